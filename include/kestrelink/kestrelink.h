@@ -1,0 +1,4 @@
+#pragma once
+// Everything a program that links libkestrelink.so needs.
+#include <kestrelink/CIppImageConverter.h>
+#include <kestrelink/DebugOutput.h>

@@ -1,0 +1,13 @@
+// What the library does when it is loaded: processor detection and block
+// time 0. Unloading does nothing of its own.
+#include "platform/CpuFeatures.h"
+#include "platform/OpenMP.h"
+
+namespace {
+
+__attribute__((constructor)) void OnLibraryLoad() {
+  kestrelink::platform::GetCpuFeatures();
+  kestrelink::platform::SetBlockTimeZero();
+}
+
+}  // namespace

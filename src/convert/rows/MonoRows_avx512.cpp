@@ -2,7 +2,9 @@
 // through masked loads and stores, so no pixel takes the scalar path.
 // GCC 12's AVX-512 headers start masked loads from an undefined vector and
 // warn about it where they inline; the masked-off lanes are never read.
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #include <immintrin.h>
 
 #include "convert/rows/MonoRows.h"

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what building and testing Kestrelink needs on Debian 12, and
+# nothing when it is all there already. With --bench, also the benchmark's
+# peers; with --fuzz, clang for the libFuzzer targets.
+set -euo pipefail
+
+packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev)
+for arg in "$@"; do
+  case "$arg" in
+    --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev) ;;
+    --fuzz) packages+=(clang libclang-rt-dev libomp-dev) ;;
+    *) echo "install-deps.sh: unknown option $arg (use --bench or --fuzz)" >&2; exit 2 ;;
+  esac
+done
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+echo "Installing: ${missing[*]}"
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"

@@ -1,0 +1,232 @@
+#!/usr/bin/env bash
+# Shell-level checks of the kestrelink tool: demo pictures, exact raw
+# conversions of a hand-made frame, PNG headers, and refusals of bad requests.
+set -euo pipefail
+
+tool=$(realpath -e "${1:?usage: cli_test.sh PATH-TO-kestrelink}")  # absolute: some checks change folder
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+
+fail() {
+  echo "FAIL: $*" >&2
+  failures=$((failures + 1))
+}
+
+# The bytes of a file as lower-case hex pairs separated by single spaces.
+hex() { od -An -v -tx1 "$1" | tr -s ' \n' '  ' | sed 's/^ //; s/ $//'; }
+
+# Bytes from offset $2, $3 long, of file $1, as hex pairs.
+hex_at() { od -An -v -tx1 -j "$2" -N "$3" "$1" | tr -s ' \n' '  ' | sed 's/^ //; s/ $//'; }
+
+# The pixel bytes of an 8- or 16-bit grey or RGB PNG, inflated and unfiltered, as hex pairs.
+png_bytes() {
+  python3 - "$1" <<'PYTHON'
+import struct, sys, zlib
+data = open(sys.argv[1], "rb").read()
+pos, idat, ihdr = 8, b"", None
+while pos + 8 <= len(data):
+    length, kind = struct.unpack(">I4s", data[pos:pos + 8])
+    body = data[pos + 8:pos + 8 + length]
+    if kind == b"IHDR":
+        ihdr = struct.unpack(">IIBB", body[:10])
+    elif kind == b"IDAT":
+        idat += body
+    pos += 12 + length
+width, height, depth, colour = ihdr
+bpp = (3 if colour == 2 else 1) * depth // 8
+stride = width * bpp
+raw, out, prev = zlib.decompress(idat), bytearray(), bytearray(stride)
+for y in range(height):
+    start = y * (stride + 1)
+    kind, row = raw[start], bytearray(raw[start + 1:start + 1 + stride])
+    for i in range(stride):
+        a = row[i - bpp] if i >= bpp else 0
+        b = prev[i]
+        c = prev[i - bpp] if i >= bpp else 0
+        if kind == 1:
+            row[i] = (row[i] + a) & 255
+        elif kind == 2:
+            row[i] = (row[i] + b) & 255
+        elif kind == 3:
+            row[i] = (row[i] + (a + b) // 2) & 255
+        elif kind == 4:
+            p = a + b - c
+            pa, pb, pc = abs(p - a), abs(p - b), abs(p - c)
+            row[i] = (row[i] + (a if pa <= pb and pa <= pc else b if pb <= pc else c)) & 255
+    out += row
+    prev = row
+print(" ".join(f"{v:02x}" for v in out))
+PYTHON
+}
+
+expect_png_bytes() {  # name file expected-hex
+  [[ -f $2 ]] || { fail "$1: $2 was not written"; return; }
+  local got
+  got=$(png_bytes "$2")
+  [[ $got == "$3" ]] || fail "$1: pixels '$got', want '$3'"
+}
+
+expect_bytes() {  # name file expected-hex
+  [[ -f $2 ]] || { fail "$1: $2 was not written"; return; }
+  local got
+  got=$(hex "$2")
+  [[ $got == "$3" ]] || fail "$1: got '$got', want '$3'"
+}
+
+# A PNG's signature and, from its IHDR chunk, width, height, bit depth and colour type.
+expect_png() {  # file width height bit-depth colour-type
+  local file=$1
+  [[ -f $file ]] || { fail "$file was not written"; return; }
+  [[ $(hex_at "$file" 0 8) == "89 50 4e 47 0d 0a 1a 0a" ]] || fail "$file: no PNG signature"
+  [[ $(hex_at "$file" 12 4) == "49 48 44 52" ]] || fail "$file: first chunk is not IHDR"
+  local want
+  want=$(printf '%08x%08x%02x%02x' "$2" "$3" "$4" "$5" | sed 's/../& /g; s/ $//')
+  [[ $(hex_at "$file" 16 10) == "$want" ]] || fail "$file: IHDR $(hex_at "$file" 16 10), want $want"
+}
+
+# Runs the tool expecting exit status $1 and exactly one line on standard
+# error that holds $2; nothing may go to standard output.
+expect_refusal() {  # status fragment args...
+  local want=$1 fragment=$2 status=0
+  shift 2
+  "$tool" "$@" >"$work/stdout" 2>"$work/stderr" || status=$?
+  local lines
+  lines=$(wc -l <"$work/stderr")
+  [[ $status == "$want" ]] || fail "'$*': exit $status, want $want"
+  [[ $lines == 1 ]] || fail "'$*': $lines lines on stderr, want 1: $(cat "$work/stderr")"
+  grep -qF -- "$fragment" "$work/stderr" || fail "'$*': stderr lacks '$fragment': $(cat "$work/stderr")"
+  [[ ! -s $work/stdout ]] || fail "'$*': wrote to stdout"
+}
+
+# --- demo ---------------------------------------------------------------
+(cd "$work" && "$tool" demo --size 64x48 >"$work/demo.txt") || fail "demo exited non-zero"
+demo_dir=$(cd "$work" && pwd -P)/kestrelink-demo
+grep -qxF "$demo_dir" "$work/demo.txt" || fail "demo did not print its folder $demo_dir: $(head -1 "$work/demo.txt")"
+expect_png "$demo_dir/01-scene-mono16.png" 64 48 16 0
+expect_png "$demo_dir/02-mono8.png" 64 48 8 0
+expect_png "$demo_dir/03-bgrx.png" 64 48 8 2
+expect_png "$demo_dir/04-bgr-flipped.png" 64 48 8 2
+expect_png "$demo_dir/08-pseudo2-heat.png" 64 48 8 2
+for file in "$demo_dir"/*.png; do
+  grep -qF "$(basename "$file")" "$work/demo.txt" || fail "demo did not list $(basename "$file")"
+done
+(( $(ls "$demo_dir"/*.png | wc -l) >= 11 )) || fail "demo wrote fewer than 11 pictures"
+"$tool" demo --out "$work/other/nested" --size 5x3 >/dev/null || fail "demo --out into a new nested folder"
+cmp -s "$demo_dir/02-mono8.png" <(cd "$work" && "$tool" demo --size 64x48 --out again >/dev/null && cat again/02-mono8.png) ||
+  fail "demo is not the same from run to run"
+
+# --- exact raw conversions ---------------------------------------------
+# A 4x2 mono16 frame at depth 12, little-endian words:
+#   row 0: 0x000 0x0ff 0x800 0xfff     row 1: 0x010 0x123 0xabc 0x7f0
+printf '\x00\x00\xff\x00\x00\x08\xff\x0f\x10\x00\x23\x01\xbc\x0a\xf0\x07' >"$work/in16.raw"
+row0_8="00 0f 80 ff"  # each sample >> 4
+row1_8="01 12 ab 7f"
+# Converts into $work/out.raw (removed first) and compares the bytes written.
+expect_conversion() {  # name expected-hex convert-arguments-before-OUT...
+  local name=$1 want=$2
+  shift 2
+  rm -f "$work/out.raw"
+  "$tool" convert "$@" "$work/out.raw" || { fail "$name: exit $?"; return; }
+  expect_bytes "$name" "$work/out.raw" "$want"
+}
+m16=(--from mono16 --depth 12 --size 4x2)
+
+expect_conversion "mono16 -> mono8" "$row0_8 $row1_8" "${m16[@]}" --to mono8 "$work/in16.raw"
+expect_conversion "mono16 -> mono8, flipped" "$row1_8 $row0_8" "${m16[@]}" --to mono8 --flip "$work/in16.raw"
+# Left-justified: sample << 4, still little-endian.
+expect_conversion "mono16 -> mono16msb" "00 00 f0 0f 00 80 f0 ff 00 01 30 12 c0 ab 00 7f" \
+  "${m16[@]}" --to Mono16MSB "$work/in16.raw"
+expect_conversion "mono16 -> mono16" "$(hex "$work/in16.raw")" "${m16[@]}" --to mono16 "$work/in16.raw"
+# Grey BGRx repeats the narrowed sample in B, G and R, fourth byte 0; depth 12 by default.
+printf '\x00\x08\xff\x0f' >"$work/in16-2x1.raw"
+expect_conversion "mono16 -> bgrx" "80 80 80 00 ff ff ff 00" --from mono16 --to BGRx --size 2x1 "$work/in16-2x1.raw"
+expect_conversion "mono16 at depth 10 -> mono8" "00 ff" --from mono16 --depth 10 --to mono8 --size 2x1 \
+  "$work/in16-2x1.raw"  # 0x800 >> 2 and 0xfff >> 2 keep their low byte: the library narrows by shifting alone
+printf '\x12\xab' >"$work/in8.raw"
+expect_conversion "mono8 -> bgr24" "12 12 12 ab ab ab" --from mono8 --to bgr --size 2x1 "$work/in8.raw"
+expect_conversion "mono8 -> mono16msb" "00 12 00 ab" --from MONO8 --to mono16msb --size 2x1 "$work/in8.raw"
+# A longer file: the first frame is used.
+cat "$work/in16.raw" "$work/in16.raw" >"$work/two-frames.raw"
+expect_conversion "first of two frames" "$row0_8 $row1_8" "${m16[@]}" --to mono8 "$work/two-frames.raw"
+# Negative pseudo-colour: entry 0 is black, entry v above 0 is 256 - v, in every channel.
+expect_conversion "mono8 -> bgr24, negative" "ee ee ee 55 55 55" --from mono8 --to bgr24 --size 2x1 --pseudo 4 \
+  "$work/in8.raw"
+
+# --- colour-map settings ---------------------------------------------------
+# A LUT entry gives the output value of one source sample; other samples convert as usual.
+printf '291, 200, 0, 0\n# a comment line\n255, 100, 7, 9\n' >"$work/table.lut"
+expect_conversion "mono16 -> mono8 through a LUT" "00 64 80 ff 01 c8 ab 7f" "${m16[@]}" --to mono8 \
+  --lut "$work/table.lut" "$work/in16.raw"
+expect_conversion "mono16 -> bgr24 through a LUT" "00 00 00 64 07 09 80 80 80 ff ff ff 01 01 01 c8 00 00 ab ab ab 7f 7f 7f" \
+  "${m16[@]}" --to bgr24 --lut "$work/table.lut" "$work/in16.raw"
+# Clip level 1 on 12-bit samples spreads 0..511 over the byte: min(255, s >> 1).
+expect_conversion "mono16 -> mono8, clip level 1" "00 7f ff ff 08 91 ff ff" "${m16[@]}" --to mono8 --clip 1 \
+  "$work/in16.raw"
+# ASC: 255 * min(1, (v / 255 * gain + offset) ^ gamma), truncated.
+asc_byte() { awk -v v="$1" 'BEGIN { x = v / 255 * 1.5; y = x ^ 0.6; if (y > 1) y = 1; printf "%02x", int(255 * y) }'; }
+expect_conversion "mono8 -> mono8, ASC curve" "$(asc_byte 18) $(asc_byte 171)" --from mono8 --to mono8 --size=2x1 \
+  --asc 1.5,0,0.6 "$work/in8.raw"
+
+# --- PNG output ----------------------------------------------------------
+for case in "mono16 out16.png 16 0" "bgrx outx.PNG 8 2" "bgr24 out24.png 8 2" "mono8 out8.png 8 0"; do
+  read -r layout file depth colour <<<"$case"
+  "$tool" convert "${m16[@]}" --to "$layout" "$work/in16.raw" "$work/$file" || fail "PNG $layout: exit $?"
+  expect_png "$work/$file" 4 2 "$depth" "$colour"
+done
+
+# PNG samples are big-endian; mono16 moves a d-bit sample to the top of the word.
+expect_png_bytes "mono16 PNG" "$work/out16.png" "00 00 0f f0 80 00 ff f0 01 00 12 30 ab c0 7f 00"
+expect_png_bytes "mono8 PNG" "$work/out8.png" "$row0_8 $row1_8"
+# Heat (pseudo-colour 2) puts 3v - 2 in red for small v, so a PNG shows the
+# channel order: BGRx and BGR both come out R, G, B.
+printf '\x12\x20' >"$work/in8-dark.raw"
+expect_conversion "mono8 -> bgrx, heat" "00 00 34 00 00 00 5e 00" --from mono8 --to bgrx --pseudo 2 --size 2x1 \
+  "$work/in8-dark.raw"
+for layout in bgrx bgr24; do
+  "$tool" convert --from mono8 --to $layout --pseudo 2 --size 2x1 "$work/in8-dark.raw" "$work/heat.png" ||
+    fail "heat PNG from $layout: exit $?"
+  expect_png_bytes "heat PNG from $layout" "$work/heat.png" "34 00 00 5e 00 00"
+done
+# Heat with blue and red exchanged (pseudo-colour 3) and --flip together.
+"$tool" convert --from mono8 --to bgr --pseudo 3 --flip --size 1x2 "$work/in8-dark.raw" "$work/heat.png" ||
+  fail "flipped heat PNG: exit $?"
+expect_png_bytes "flipped heat PNG, blue and red exchanged" "$work/heat.png" "00 00 5e 00 00 34"
+
+# --- refusals ------------------------------------------------------------
+expect_refusal 2 "--size" convert --from mono16 --to mono8 --size 4x0 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "--size" convert --from mono16 --to mono8 --size four "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "--size" convert --from mono16 --to mono8 --size 70000x1 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "pixels" convert --from mono16 --to mono8 --size 65536x65536 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "--size" convert --from mono16 --to mono8 "$work/in16.raw" "$work/x.raw"
+head -c 10 "$work/in16.raw" >"$work/short.raw"
+expect_refusal 1 "holds 10 bytes; a 4x2 mono16 frame needs 16" \
+  convert --from mono16 --to mono8 --size 4x2 "$work/short.raw" "$work/x.raw"
+[[ ! -e $work/x.raw ]] || fail "a refused conversion left an output file"
+expect_refusal 2 "known layouts: mono8, mono16" convert --from mono16 --to rgb48 --size 4x2 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "no conversion from mono8 to mono16" convert --from mono8 --to mono16 --size 2x1 "$work/in8.raw" "$work/x.raw"
+expect_refusal 2 "unknown option '--speed'" convert --speed 3 --from mono8 --to mono8 --size 2x1 "$work/in8.raw" "$work/x.raw"
+expect_refusal 2 "IN and OUT" convert --from mono8 --to mono8 --size 2x1 "$work/in8.raw"
+expect_refusal 2 "needs a value" convert --from mono8 --to mono8 --size
+expect_refusal 2 "--depth" convert --from mono16 --depth 17 --to mono8 --size 4x2 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "--pseudo" convert --from mono8 --pseudo 9 --to bgrx --size 2x1 "$work/in8.raw" "$work/x.raw"
+expect_refusal 2 "--asc" convert --from mono8 --asc 1,2 --to bgrx --size 2x1 "$work/in8.raw" "$work/x.raw"
+expect_refusal 1 "cannot write" convert --from mono8 --to mono8 --size 2x1 "$work/in8.raw" "$work/no/such/dir/x.raw"
+expect_refusal 1 "cannot write" convert --from mono8 --to mono8 --size 2x1 "$work/in8.raw" "$work/no/such/dir/x.png"
+expect_refusal 1 "cannot open" convert --from mono8 --to mono8 --size 2x1 "$work/missing.raw" "$work/x.raw"
+expect_refusal 1 "LUT" convert --from mono8 --lut "$work/missing.lut" --to bgrx --size 2x1 "$work/in8.raw" "$work/x.raw"
+expect_refusal 2 "unknown command" frobnicate
+
+# --- help ----------------------------------------------------------------
+"$tool" --help | grep -q "usage" || fail "--help printed no usage"
+"$tool" help convert | grep -q -- "--from LAYOUT" || fail "help convert lacks --from"
+"$tool" convert --help | grep -q "example" || fail "convert --help has no example"
+status=0
+"$tool" >/dev/null 2>&1 || status=$?
+[[ $status == 2 ]] || fail "no arguments: exit $status, want 2"
+
+if ((failures)); then
+  echo "$failures check(s) failed" >&2
+  exit 1
+fi
+echo "all kestrelink command-line checks passed"

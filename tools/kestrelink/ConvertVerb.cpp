@@ -1,0 +1,118 @@
+// kestrelink convert: one raw frame file to another layout, raw or PNG.
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Args.h"
+#include "ColourMap.h"
+#include "Conversions.h"
+#include "FrameFile.h"
+#include "LayoutPng.h"
+#include "Layouts.h"
+#include "ToolError.h"
+#include "Verbs.h"
+
+namespace kestrelink::tool {
+
+namespace {
+
+inline constexpr uint32_t kDefaultMono16Depth = 12;
+inline constexpr int64_t kMinDepth = 8, kMaxDepth = 16;
+
+struct ConvertRequest {
+  const Layout* from = nullptr;
+  const Layout* to = nullptr;
+  std::optional<FrameSize> size;
+  std::optional<uint32_t> depth;
+  bool flip = false;
+  ColourMapSettings colourMap;
+  std::string in, out;
+};
+
+const Layout& NamedLayout(std::string_view option, std::string_view name) {
+  const Layout* layout = FindLayout(name);
+  if (!layout)
+    throw UsageError("unknown layout '" + std::string(name) + "' for " + std::string(option) +
+                     " (known layouts: " + LayoutNames() + ")");
+  return *layout;
+}
+
+// Parses the words; answers false when help was asked for.
+bool ParseRequest(std::span<const std::string_view> args, ConvertRequest& request) {
+  auto& r = request;
+  const OptionSpec options[] = {
+      {"--from", "LAYOUT", [&](std::string_view v) { r.from = &NamedLayout("--from", v); }},
+      {"--to", "LAYOUT", [&](std::string_view v) { r.to = &NamedLayout("--to", v); }},
+      {"--size", "WxH", [&](std::string_view v) { r.size = ParseSize("--size", v); }},
+      {"--depth", "D", [&](std::string_view v) { r.depth = uint32_t(ParseInteger("--depth", v, kMinDepth, kMaxDepth)); }},
+      {"--flip", "", [&](std::string_view) { r.flip = true; }},
+      {"--pseudo", "N", [&](std::string_view v) { r.colourMap.pseudoMode = int32_t(ParseInteger("--pseudo", v, 0, 4)); }},
+      {"--lut", "FILE", [&](std::string_view v) { r.colourMap.lutPath = std::string(v); }},
+      {"--asc", "G,O,GAMMA", [&](std::string_view v) { r.colourMap.asc = ParseTriple("--asc", v); }},
+      {"--clip", "N", [&](std::string_view v) { r.colourMap.clipLevel = int32_t(ParseInteger("--clip", v, 0, 15)); }},
+  };
+  std::vector<std::string_view> files;
+  if (!ParseOptions(args, options, files)) return false;
+  if (!r.from) throw UsageError("missing --from LAYOUT (sources: " + SourceNames() + ")");
+  if (!r.to) throw UsageError("missing --to LAYOUT (known layouts: " + LayoutNames() + ")");
+  if (!r.size) throw UsageError("missing --size WxH, such as --size 1920x1080");
+  if (files.size() != 2)
+    throw UsageError(files.size() < 2 ? "missing file names: convert needs IN and OUT"
+                                      : "too many file names: convert takes IN and OUT only");
+  if (r.colourMap.asc && (*r.colourMap.asc)[2] <= 0.0) throw UsageError("--asc wants a gamma above 0");
+  r.in = std::string(files[0]);
+  r.out = std::string(files[1]);
+  return true;
+}
+
+// The source depth: --depth for layouts that carry any, the layout's own otherwise.
+uint32_t SourceDepth(const ConvertRequest& r) {
+  if (!r.from->fixedDepth) return r.depth.value_or(kDefaultMono16Depth);
+  if (r.depth && *r.depth != r.from->fixedDepth)
+    throw UsageError("--depth applies to mono16 sources; " + std::string(r.from->name) + " is always " +
+                     std::to_string(r.from->fixedDepth) + " bits");
+  return r.from->fixedDepth;
+}
+
+const Conversion& ChosenConversion(const ConvertRequest& r) {
+  const Conversion* conversion = FindConversion(r.from->id, r.to->id);
+  if (conversion) return *conversion;
+  const std::string targets = TargetNames(r.from->id);
+  if (targets.empty())
+    throw UsageError("the library converts nothing from " + std::string(r.from->name) + " (sources: " +
+                     SourceNames() + ")");
+  throw UsageError("the library has no conversion from " + std::string(r.from->name) + " to " +
+                   std::string(r.to->name) + " (from " + std::string(r.from->name) + ": " + targets + ")");
+}
+
+}  // namespace
+
+int RunConvert(std::span<const std::string_view> args) {
+  ConvertRequest r;
+  if (!ParseRequest(args, r)) {
+    PrintConvertUsage(std::cout);
+    return 0;
+  }
+  const uint32_t depth = SourceDepth(r);
+  const Conversion& conversion = ChosenConversion(r);
+  if (r.colourMap.Any() && !conversion.colourMapPath)
+    std::cerr << "kestrelink convert: note: " << conversion.method << " has no colour-map path; "
+              << "--pseudo, --lut, --asc and --clip change nothing\n";
+
+  const uint32_t w = r.size->width, h = r.size->height;
+  const std::string frameName =
+      "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(r.from->name) + " frame";
+  std::vector<uint8_t> src = ReadFrameFile(r.in, uint64_t(w) * h * r.from->bytesPerPixel, frameName);
+  const std::vector<uint8_t> dst = RunConversion(conversion, r.colourMap, w, h, depth, src, r.flip);
+
+  if (IsPngPath(r.out)) {
+    const uint32_t dstDepth = r.to->fixedDepth ? r.to->fixedDepth : depth;
+    WritePng(r.out, LayoutToPng(r.to->id, w, h, dstDepth, dst));
+  } else {
+    WriteRawFile(r.out, dst);
+  }
+  return 0;
+}
+
+}  // namespace kestrelink::tool

@@ -1,0 +1,140 @@
+// kestrelink demo: example conversions of the synthetic scene, as PNG files.
+#include <filesystem>
+#include <iomanip>
+#include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "Args.h"
+#include "ColourMap.h"
+#include "Conversions.h"
+#include "LayoutPng.h"
+#include "PngFile.h"
+#include "SyntheticScene.h"
+#include "ToolError.h"
+#include "Verbs.h"
+
+namespace kestrelink::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t kDemoDepth = 12;
+constexpr FrameSize kDemoSize{1920, 1080};
+constexpr const char* kDemoFolder = "kestrelink-demo";
+
+// One picture of the demo: a conversion of the scene under one colour-map setting.
+struct DemoShot {
+  const char* file;
+  const char* what;
+  LayoutId to;
+  bool flip;
+  ColourMapSettings colourMap;
+};
+
+ColourMapSettings Pseudo(int32_t mode) {
+  ColourMapSettings settings;
+  settings.pseudoMode = mode;
+  return settings;
+}
+
+ColourMapSettings Asc(double gain, double offset, double gamma) {
+  ColourMapSettings settings;
+  settings.asc = {gain, offset, gamma};
+  return settings;
+}
+
+ColourMapSettings Clip(int32_t level) {
+  ColourMapSettings settings;
+  settings.clipLevel = level;
+  return settings;
+}
+
+std::vector<DemoShot> DemoShots() {
+  return {
+      {"02-mono8.png", "Mono16ToMono8", LayoutId::Mono8, false, {}},
+      {"03-bgrx.png", "Mono16ToBGRx", LayoutId::Bgrx, false, {}},
+      {"04-bgr-flipped.png", "Mono16ToBGR, flipped", LayoutId::Bgr24, true, {}},
+      {"05-mono16msb.png", "Mono16ToMono16MSB, 16-bit grey as it stands", LayoutId::Mono16Msb, false, {}},
+      {"06-pseudo0-rainbow.png", "Mono16ToBGRx, pseudo-colour 0: rainbow from red", LayoutId::Bgrx, false, Pseudo(0)},
+      {"07-pseudo1-rainbow.png", "Mono16ToBGRx, pseudo-colour 1: rainbow from blue", LayoutId::Bgrx, false, Pseudo(1)},
+      {"08-pseudo2-heat.png", "Mono16ToBGRx, pseudo-colour 2: heat", LayoutId::Bgrx, false, Pseudo(2)},
+      {"09-pseudo3-heat-swapped.png", "Mono16ToBGRx, pseudo-colour 3: heat, blue and red exchanged",
+       LayoutId::Bgrx, false, Pseudo(3)},
+      {"10-pseudo4-negative.png", "Mono16ToBGRx, pseudo-colour 4: negative", LayoutId::Bgrx, false, Pseudo(4)},
+      {"11-asc-gain1.5-gamma0.6.png", "Mono16ToBGRx, ASC curve gain 1.5, offset 0, gamma 0.6", LayoutId::Bgrx,
+       false, Asc(1.5, 0.0, 0.6)},
+      {"12-clip1.png", "Mono16ToBGRx, clip level 1: samples 0..511 over the whole range", LayoutId::Bgrx, false,
+       Clip(1)},
+  };
+}
+
+fs::path MakeFolder(const std::string& folder) {
+  std::error_code error;
+  fs::path path = fs::absolute(folder, error);
+  if (!error) fs::create_directories(path, error);
+  if (error) throw RunError("cannot create the folder '" + folder + "': " + error.message());
+  if (!fs::is_directory(path)) throw RunError("'" + folder + "' is not a folder");
+  return path.lexically_normal();
+}
+
+}  // namespace
+
+void PrintDemoUsage(std::ostream& out) {
+  out << "usage: kestrelink demo [--out DIR] [--size WxH]\n"
+         "\n"
+         "Makes a synthetic 12-bit camera frame (gradients, bars, checker squares, a disc,\n"
+         "colour patches and fixed-seed noise, the same at every run) as mono16 at depth 12,\n"
+         "and writes it and conversions of it as PNG files into DIR: grey, BGRx, flipped BGR,\n"
+         "each pseudo-colour map, an ASC curve and a clip level. Prints the folder and the files.\n"
+         "\n"
+         "options:\n"
+         "  --out DIR     folder for the pictures, made if need be (default ./"
+      << kDemoFolder
+      << ")\n"
+         "  --size WxH    frame size (default "
+      << kDemoSize.width << "x" << kDemoSize.height
+      << ")\n"
+         "  -h, --help    show this help\n";
+}
+
+int RunDemo(std::span<const std::string_view> args) {
+  std::string folder = kDemoFolder;
+  FrameSize size = kDemoSize;
+  const OptionSpec options[] = {
+      {"--out", "DIR", [&](std::string_view v) { folder = std::string(v); }},
+      {"--size", "WxH", [&](std::string_view v) { size = ParseSize("--size", v); }},
+  };
+  std::vector<std::string_view> extra;
+  if (!ParseOptions(args, options, extra)) {
+    PrintDemoUsage(std::cout);
+    return 0;
+  }
+  if (!extra.empty()) throw UsageError("demo takes no file names; unexpected '" + std::string(extra[0]) + "'");
+  if (folder.empty()) throw UsageError("--out wants a folder name");
+  const fs::path path = MakeFolder(folder);
+
+  const uint32_t w = size.width, h = size.height;
+  std::vector<uint16_t> samples = scene::MakeMonoFrame(w, h, kDemoDepth);
+  const std::span<uint8_t> frame(reinterpret_cast<uint8_t*>(samples.data()), samples.size() * 2);  // little-endian host
+
+  std::vector<std::pair<std::string, std::string>> written;
+  const std::string rawFile = "01-scene-mono16.png";
+  WritePng((path / rawFile).string(), LayoutToPng(LayoutId::Mono16, w, h, kDemoDepth, frame));
+  written.emplace_back(rawFile, "the synthetic frame, mono16 at depth 12, shown as 16-bit grey");
+  for (const DemoShot& shot : DemoShots()) {
+    const Conversion* conversion = FindConversion(LayoutId::Mono16, shot.to);
+    if (!conversion) continue;  // every shot names a conversion of the table
+    const std::vector<uint8_t> dst = RunConversion(*conversion, shot.colourMap, w, h, kDemoDepth, frame, shot.flip);
+    WritePng((path / shot.file).string(), LayoutToPng(shot.to, w, h, kDemoDepth, dst));
+    written.emplace_back(shot.file, shot.what);
+  }
+
+  std::cout << path.string() << '\n';
+  for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';
+  return 0;
+}
+
+}  // namespace kestrelink::tool

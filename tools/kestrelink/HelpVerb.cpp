@@ -1,0 +1,52 @@
+// kestrelink help, and the tool's overall usage.
+#include <iomanip>
+#include <iostream>
+#include <string>
+
+#include "ToolError.h"
+#include "Verbs.h"
+
+namespace kestrelink::tool {
+
+void PrintToolUsage(std::ostream& out) {
+  out << "kestrelink - convert raw camera frames between pixel layouts\n"
+         "\n"
+         "usage:\n"
+         "  kestrelink convert --from LAYOUT --to LAYOUT --size WxH [options] IN OUT\n"
+         "  kestrelink demo [--out DIR] [--size WxH]\n"
+         "  kestrelink help [COMMAND]\n"
+         "\n"
+         "commands:\n";
+  for (const Verb& verb : AllVerbs())
+    out << "  " << std::left << std::setw(9) << verb.name << " " << verb.summary << '\n';
+  out << "\n"
+         "Run 'kestrelink help COMMAND' (or 'kestrelink COMMAND --help') for a command's options.\n"
+         "\n"
+         "examples:\n"
+         "  kestrelink demo                 # example pictures in ./kestrelink-demo/\n"
+         "  kestrelink convert --from mono16 --depth 12 --to bgrx --size 1920x1080 frame.raw frame.png\n";
+}
+
+void PrintHelpUsage(std::ostream& out) {
+  out << "usage: kestrelink help [COMMAND]\n"
+         "\n"
+         "Without COMMAND, shows the overall help; with one, that command's own help.\n";
+}
+
+int RunHelp(std::span<const std::string_view> args) {
+  if (args.empty()) {
+    PrintToolUsage(std::cout);
+    return 0;
+  }
+  if (args.size() > 1) throw UsageError("help takes one command name at most");
+  if (args[0] == "-h" || args[0] == "--help") {
+    PrintHelpUsage(std::cout);
+    return 0;
+  }
+  const Verb* verb = FindVerb(args[0]);
+  if (!verb) throw UsageError("no command named '" + std::string(args[0]) + "' (see kestrelink --help)");
+  verb->usage(std::cout);
+  return 0;
+}
+
+}  // namespace kestrelink::tool

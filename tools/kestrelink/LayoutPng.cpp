@@ -1,0 +1,58 @@
+#include "LayoutPng.h"
+
+#include "ToolError.h"
+
+namespace kestrelink::tool {
+
+namespace {
+
+// B,G,R[,x] pixels to R,G,B.
+void BgrToRgb(const uint8_t* in, uint32_t inStep, uint8_t* out, size_t pixels) {
+  for (size_t i = 0; i < pixels; ++i, in += inStep, out += 3) {
+    out[0] = in[2];
+    out[1] = in[1];
+    out[2] = in[0];
+  }
+}
+
+// Little-endian words to PNG's big-endian, each shifted left by `shift`.
+void WordsToBigEndian(const uint8_t* in, uint8_t* out, size_t samples, uint32_t shift) {
+  for (size_t i = 0; i < samples; ++i, in += 2, out += 2) {
+    const uint16_t word = uint16_t((in[0] | in[1] << 8) << shift);
+    out[0] = uint8_t(word >> 8);
+    out[1] = uint8_t(word);
+  }
+}
+
+}  // namespace
+
+PngImage LayoutToPng(LayoutId layout, uint32_t width, uint32_t height, uint32_t depth,
+                     std::span<const uint8_t> frame) {
+  const size_t pixels = size_t(width) * height;
+  if (frame.size() < pixels * LayoutOf(layout).bytesPerPixel) throw RunError("frame too short for a PNG");
+  PngImage image;
+  image.width = width;
+  image.height = height;
+  switch (layout) {
+    case LayoutId::Mono8:
+      image.pixel = PngPixel::Grey8;
+      image.bytes.assign(frame.begin(), frame.begin() + pixels);
+      break;
+    case LayoutId::Mono16:  // a right-justified d-bit sample moved to the top so full scale is white
+    case LayoutId::Mono16Msb:
+      image.pixel = PngPixel::Grey16;
+      image.bytes.resize(pixels * 2);
+      WordsToBigEndian(frame.data(), image.bytes.data(), pixels,
+                       layout == LayoutId::Mono16 && depth <= 16 ? 16 - depth : 0);
+      break;
+    case LayoutId::Bgrx:
+    case LayoutId::Bgr24:
+      image.pixel = PngPixel::Rgb8;
+      image.bytes.resize(pixels * 3);
+      BgrToRgb(frame.data(), layout == LayoutId::Bgrx ? 4 : 3, image.bytes.data(), pixels);
+      break;
+  }
+  return image;
+}
+
+}  // namespace kestrelink::tool

@@ -1,0 +1,25 @@
+// The verb table; a new verb is one row here and one file with its run and usage.
+#include "Verbs.h"
+
+namespace kestrelink::tool {
+
+namespace {
+
+constexpr Verb kVerbs[] = {
+    {"convert", "convert one raw frame file to another layout (raw bytes or PNG)", RunConvert, PrintConvertUsage},
+    {"demo", "write example conversions of a built-in synthetic camera frame as PNG files", RunDemo,
+     PrintDemoUsage},
+    {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
+};
+
+}  // namespace
+
+std::span<const Verb> AllVerbs() { return kVerbs; }
+
+const Verb* FindVerb(std::string_view name) {
+  for (const Verb& verb : kVerbs)
+    if (verb.name == name) return &verb;
+  return nullptr;
+}
+
+}  // namespace kestrelink::tool

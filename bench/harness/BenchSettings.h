@@ -1,0 +1,30 @@
+#pragma once
+// Run settings shared by every benchmark program, read once from the
+// environment:
+//   KESTRELINK_BENCH_QUICK=1        smoke run: 3 repetitions of a small frame
+//   KESTRELINK_BENCH_SIZE=WxH       another frame size (default 1920x1080)
+//   KESTRELINK_BENCH_VARIANT=name   force a kernel variant (portable, sse2,
+//                                   ssse3, avx2, avx512); default: the machine's
+#include <cstddef>
+#include <cstdint>
+
+namespace kestrelink::bench {
+
+struct Settings {
+  bool quick = false;
+  uint32_t width = 1920;
+  uint32_t height = 1080;
+  int repetitions = 15;           // the median of these is reported
+  int warmUpFrames = 2;           // untimed frames before each repetition
+  double hotMinSeconds = 0.1;     // timed frames per hot repetition, in seconds
+  int coldFrames = 4;             // frames per cold repetition, each after an eviction
+  size_t evictBytes = size_t(128) << 20;  // read before each cold frame
+};
+
+const Settings& BenchSettings();
+
+// Forces the kernel variant named by KESTRELINK_BENCH_VARIANT, if any.
+// Returns false when the name is not a variant.
+bool ApplyVariantSetting();
+
+}  // namespace kestrelink::bench

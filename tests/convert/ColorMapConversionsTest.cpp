@@ -62,7 +62,10 @@ TEST(ColorMapConversions, EveryMonoMethodReadsTheTables) {
       {"Mono16ToMono16", 12, 2, 2, [](C& c, uint32_t w, uint32_t h, void* s, void* d, bool f) { return c.Mono16ToMono16(w, h, 12, s, d, f); },
        [](const Lut& l, uint32_t s) { return std::vector<uint8_t>{uint8_t(l.t[0][s]), uint8_t(l.t[0][s] >> 8)}; }},
   };
+  for (auto variant : testsupport::RunnableVariants())
   for (const auto& c : cases) {
+    testsupport::ScopedVariant scoped(variant);
+    SCOPED_TRACE(kestrelink::VariantName(variant));
     Lut lut;
     testsupport::TempFile file(std::string("map-") + c.name + ".txt", MakeLut(c.bits, c.bits, lut));
     CIppImageConverter conv;

@@ -50,4 +50,6 @@ void Lut16ToWord(const uint8_t* src, uint8_t* dst, uint32_t w, const uint16_t* t
   }
 }
 
+const LutRowKernels kLutRowsPortable = {Lut8ToBgrx, Lut16ToBgrx};
+
 }  // namespace kestrelink::rows

@@ -11,9 +11,8 @@ namespace rows = kestrelink::rows;
 bool CColorMapEngine::Mono8ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(8, 8, true)) return false;
   const uint32_t* lut = ColorBgrx();
-  const auto row = rows::LutRows().lut8_to_bgrx;
   ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
-    row(RowAt(src, w, in), RowAt(dst, 4 * size_t(w), out), w, lut);
+    rows::Lut8ToBgrx(RowAt(src, w, in), RowAt(dst, 4 * size_t(w), out), w, lut);
   });
   return true;
 }
@@ -40,9 +39,8 @@ bool CColorMapEngine::Mono16ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
   const uint32_t* lut = ColorBgrx();
   const uint32_t mask = ColorMask();
-  const auto row = rows::LutRows().lut16_to_bgrx;
   ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
-    row(RowAt(src, 2 * size_t(w), in), RowAt(dst, 4 * size_t(w), out), w, lut, mask);
+    rows::Lut16ToBgrx(RowAt(src, 2 * size_t(w), in), RowAt(dst, 4 * size_t(w), out), w, lut, mask);
   });
   return true;
 }

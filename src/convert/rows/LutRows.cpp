@@ -24,7 +24,18 @@ void Lut8ToBgrx(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bg
 }
 
 void Lut16ToBgrx(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bgrx, uint32_t mask) {
-  for (uint32_t x = 0; x < w; ++x) std::memcpy(dst + 4 * size_t(x), &bgrx[Load16(src + 2 * size_t(x)) & mask], 4);
+  uint32_t x = 0;
+  // Four samples per load and two pixels per store keep the memory ports
+  // for the table reads.
+  for (; x + 4 <= w; x += 4) {
+    uint64_t s;
+    std::memcpy(&s, src + 2 * size_t(x), 8);
+    const uint64_t p01 = bgrx[s & mask] | uint64_t(bgrx[(s >> 16) & mask]) << 32;
+    const uint64_t p23 = bgrx[(s >> 32) & mask] | uint64_t(bgrx[(s >> 48) & mask]) << 32;
+    std::memcpy(dst + 4 * size_t(x), &p01, 8);
+    std::memcpy(dst + 4 * size_t(x) + 8, &p23, 8);
+  }
+  for (; x < w; ++x) std::memcpy(dst + 4 * size_t(x), &bgrx[Load16(src + 2 * size_t(x)) & mask], 4);
 }
 
 void Lut8ToBgr(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bgrx) {
@@ -49,7 +60,5 @@ void Lut16ToWord(const uint8_t* src, uint8_t* dst, uint32_t w, const uint16_t* t
     std::memcpy(dst + 2 * size_t(x), &v, 2);
   }
 }
-
-const LutRowKernels kLutRowsPortable = {Lut8ToBgrx, Lut16ToBgrx};
 
 }  // namespace kestrelink::rows

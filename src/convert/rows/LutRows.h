@@ -1,27 +1,11 @@
 #pragma once
 // Row kernels of the colour-map path: one table load per pixel. Indices are
 // masked to the table, so a sample above the table's depth wraps inside it.
+// Gathers were measured and don't beat plain loads on a table of this size,
+// so these rows have no vector variants.
 #include <cstdint>
 
-#include "primitives/Variant.h"
-
 namespace kestrelink::rows {
-
-// The joined-pixel lookups, the hot ones, in processor variants (gathers).
-struct LutRowKernels {
-  void (*lut8_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bgrx);
-  void (*lut16_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bgrx, uint32_t mask);
-};
-
-extern const LutRowKernels kLutRowsPortable;
-extern const LutRowKernels kLutRowsAVX2;
-extern const LutRowKernels kLutRowsAVX512;
-
-inline const LutRowKernels& LutRows() {
-  static const LutRowKernels* const slots[kVariantCount] = {&kLutRowsPortable, nullptr, nullptr, &kLutRowsAVX2,
-                                                            &kLutRowsAVX512};
-  return PickVariant(slots);
-}
 
 // BGRx pixels from a table of joined pixels.
 void Lut8ToBgrx(const uint8_t* src, uint8_t* dst, uint32_t w, const uint32_t* bgrx);

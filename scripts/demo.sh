@@ -4,5 +4,5 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-scripts/build.sh build -DKESTRELINK_BUILD_TESTS=OFF
+BUILD_TARGET=kestrelink_tool scripts/build.sh build -DKESTRELINK_BUILD_TOOLS=ON
 build/tools/kestrelink demo "$@"

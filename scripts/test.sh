@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 
-scripts/build.sh build
+scripts/build.sh build -DKESTRELINK_BUILD_TESTS=ON -DKESTRELINK_BUILD_TOOLS=ON
 (cd build && ctest --output-on-failure -j2)
 
 BUILD_TYPE=RelWithDebInfo scripts/build.sh build-sanitize -DKESTRELINK_SANITIZE=ON

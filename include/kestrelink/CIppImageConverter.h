@@ -29,6 +29,12 @@ class KESTRELINK_API CIppImageConverter {
   bool Mono16ToMono16MSB(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
   bool SwapWords(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
 
+  // Packed and swapped mono sources.
+
+  // Packed and planar colour sources.
+
+  // YUV sources and the static encoders.
+
   // Colour-map settings, forwarded to the engine as they stand.
   void SetImageColorMap(bool enable);
   bool EnableImageColorMap();  // reports whether the colour map is on

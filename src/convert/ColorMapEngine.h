@@ -55,6 +55,12 @@ class CColorMapEngine {
   bool Mono16ToMono8(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
   bool Mono16ToMono16(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
 
+  // Packed and swapped mono sources.
+
+  // Packed and planar colour sources.
+
+  // YUV sources.
+
  private:
   void Reset();
   void RebuildColorTables(int32_t inBits, int32_t outBits, bool pseudoAllowed);

@@ -8,6 +8,14 @@ struct IppiSize {
   int32_t height;
 };
 
+// A rectangle of a region: its top-left corner and its size, in pixels.
+struct IppiRect {
+  int32_t x;
+  int32_t y;
+  int32_t width;
+  int32_t height;
+};
+
 using IppStatus = int;
 using Ipp8u = uint8_t;
 using Ipp16u = uint16_t;

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "platform/CpuFeatures.h"
+#include "primitives/CpuDispatch.h"
 
 namespace kestrelink {
 namespace {
@@ -27,7 +28,7 @@ CpuVariant MachineVariant() {
 
 CpuVariant ActiveVariant() {
   const int forced = g_forced.load(std::memory_order_relaxed);
-  return forced < kVariantCount ? CpuVariant(forced) : MachineVariant();
+  return forced < kVariantCount ? CpuVariant(forced) : DispatchedVariant();
 }
 
 void ForceVariant(CpuVariant variant) {

@@ -17,11 +17,12 @@ enum CpuVariant : int {
 // The widest variant this processor and operating system can run.
 CpuVariant MachineVariant();
 
-// The variant in use: the machine's, or the forced one.
+// The variant in use: the one the kernel index selects (CpuDispatch.h),
+// or the one forced here.
 CpuVariant ActiveVariant();
 
 // Forces a variant (limited to what the machine can run); kVariantCount
-// returns to the machine's choice. Process-wide; meant for tests and benches.
+// returns to the kernel index's choice. Process-wide; meant for tests and benches.
 void ForceVariant(CpuVariant variant);
 
 const char* VariantName(CpuVariant variant);

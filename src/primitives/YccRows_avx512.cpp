@@ -1,0 +1,264 @@
+// AVX-512 (F, BW, VL) YCbCr rows, built with those flags. The arithmetic is
+// the portable rows' exactly (vpmaddwd into 32-bit lanes, rounded, shifted,
+// packed with saturation). Whole vectors are stored plainly; the row's tail
+// goes to the portable row.
+#include <immintrin.h>
+
+#include "primitives/YccRows.h"
+
+namespace kestrelink::ycc {
+namespace {
+
+constexpr int8_t Z = -1;  // a zero byte in a shuffle
+
+inline __m512i Weights(int first, int second) { return _mm512_set1_epi32(int((second << 16) | (first & 0xFFFF))); }
+
+inline __m512i Pattern(const int8_t (&bytes)[64]) { return _mm512_loadu_si512(bytes); }
+
+// ---- 4:2:2 pairs to RGB ----
+
+// Zero-extended words (Y, Cb) and (Y, Cr) of each pixel from the two groups
+// that a 128-bit lane holds (bytes 0-7 of the lane).
+alignas(64) constexpr int8_t kToYCb[64] = {
+    0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z, 0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z,
+    0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z, 0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z};
+alignas(64) constexpr int8_t kToYCr[64] = {
+    0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z, 0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z,
+    0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z, 0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z};
+// Per lane: bytes B0-3 G0-3 R0-3 A0-3 to four pixels, or to twelve bytes.
+alignas(64) constexpr int8_t kToBgrx[64] = {
+    0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15,
+    0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+alignas(64) constexpr int8_t kToC3[64] = {
+    0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z, 0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z,
+    0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z, 0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z};
+
+struct Channels {
+  __m512i b, g, r;  // 32-bit; 128-bit lane k holds pixels 4k .. 4k+3
+};
+
+// Sixteen pixels from eight groups; each lane gets its two groups twice.
+inline Channels DecodeSixteen(const uint8_t* src) {
+  const __m256i raw = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src));
+  const __m512i s = _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 0, 1, 1, 2, 2, 3, 3), _mm512_castsi256_si512(raw));
+  const __m512i ycb = _mm512_shuffle_epi8(s, Pattern(kToYCb)), ycr = _mm512_shuffle_epi8(s, Pattern(kToYCr));
+  const __m512i b = _mm512_add_epi32(_mm512_madd_epi16(ycb, Weights(kLuma, kCbToB)),
+                                     _mm512_set1_epi32(-kLuma * 16 - kCbToB * 128 + 2048));
+  const __m512i r = _mm512_add_epi32(_mm512_madd_epi16(ycr, Weights(kLuma, kCrToR)),
+                                     _mm512_set1_epi32(-kLuma * 16 - kCrToR * 128 + 2048));
+  const __m512i g = _mm512_add_epi32(
+      _mm512_add_epi32(_mm512_madd_epi16(ycr, Weights(kLuma, -kCrToG)), _mm512_madd_epi16(ycb, Weights(0, -kCbToG))),
+      _mm512_set1_epi32(-kLuma * 16 + (kCrToG + kCbToG) * 128 + 2048));
+  return {_mm512_srai_epi32(b, 12), _mm512_srai_epi32(g, 12), _mm512_srai_epi32(r, 12)};
+}
+
+// Per lane: four bytes of each of a, b, c, d, limited to 0 .. 255.
+inline __m512i PackBytes(__m512i a, __m512i b, __m512i c, __m512i d) {
+  return _mm512_packus_epi16(_mm512_packs_epi32(a, b), _mm512_packs_epi32(c, d));
+}
+
+void PairsToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+  const __m512i a = _mm512_set1_epi32(alpha);
+  uint32_t i = 0;
+  for (; i + 8 <= pairs; i += 8) {
+    const Channels c = DecodeSixteen(src + 4 * size_t(i));
+    _mm512_storeu_si512(dst + 8 * size_t(i), _mm512_shuffle_epi8(PackBytes(c.b, c.g, c.r, a), Pattern(kToBgrx)));
+  }
+  PairsToBgrxPortable(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
+}
+
+template <ChannelOrder order>
+void PairsToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
+  const __m512i zero = _mm512_setzero_si512();
+  const __m512i join = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
+  uint32_t i = 0;
+  for (; i + 8 <= pairs; i += 8) {
+    const Channels c = DecodeSixteen(src + 4 * size_t(i));
+    const __m512i planes = order == kOrderBGR ? PackBytes(c.b, c.g, c.r, zero) : PackBytes(c.r, c.g, c.b, zero);
+    const __m512i px = _mm512_permutexvar_epi32(join, _mm512_shuffle_epi8(planes, Pattern(kToC3)));
+    uint8_t* out = dst + 6 * size_t(i);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(px));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(px, 2));
+  }
+  PairsToC3Portable(src + 4 * size_t(i), dst + 6 * size_t(i), pairs - i, order);
+}
+
+void PairsToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+  if (order == kOrderRGB)
+    PairsToC3Rows<kOrderRGB>(src, dst, pairs);
+  else
+    PairsToC3Rows<kOrderBGR>(src, dst, pairs);
+}
+
+// ---- RGB to planar 4:2:2 and 4:2:0 ----
+
+// Sixteen pixels as 32-bit lanes of words: `first` (c0, c1) and `second`
+// (c2, 33), c0 c1 c2 the channels in memory order. With the weight 2048 on
+// the 33, luma's offset and rounding come out of the multiply.
+struct Words {
+  __m512i first, second;
+};
+
+struct Output {
+  __m512i first, second;
+};
+
+struct Weights3 {
+  Output y, cb, cr;
+};
+
+template <ChannelOrder order>
+Weights3 EncodeWeights() {
+  const int yw[3] = {order == kOrderBGR ? kYB : kYR, kYG, order == kOrderBGR ? kYR : kYB};
+  const int cbw[3] = {order == kOrderBGR ? kCbB : kCbR, kCbG, order == kOrderBGR ? kCbR : kCbB};
+  const int crw[3] = {order == kOrderBGR ? kCrB : kCrR, kCrG, order == kOrderBGR ? kCrR : kCrB};
+  return {{Weights(yw[0], yw[1]), Weights(yw[2], 2048)},
+          {Weights(cbw[0], cbw[1]), Weights(cbw[2], 0)},
+          {Weights(crw[0], crw[1]), Weights(crw[2], 0)}};
+}
+
+inline __m512i Apply(const Words& w, const Output& o) {
+  return _mm512_add_epi32(_mm512_madd_epi16(w.first, o.first), _mm512_madd_epi16(w.second, o.second));
+}
+
+inline Words ToWords(__m512i px, const int8_t (&first)[64], const int8_t (&second)[64]) {
+  return {_mm512_shuffle_epi8(px, Pattern(first)),
+          _mm512_or_si512(_mm512_shuffle_epi8(px, Pattern(second)), _mm512_set1_epi32(33 << 16))};
+}
+
+inline Words Sum(const Words& a, const Words& b) {
+  return {_mm512_add_epi16(a.first, b.first), _mm512_add_epi16(a.second, b.second)};
+}
+
+// Each even 32-bit lane gets its pair's summed words; odd lanes are unused.
+inline Words PairSum(const Words& w) {
+  return {_mm512_add_epi16(w.first, _mm512_srli_epi64(w.first, 32)),
+          _mm512_add_epi16(w.second, _mm512_srli_epi64(w.second, 32))};
+}
+
+// Three-byte pixels, lane k from byte 12k; the last lane is read from byte
+// 32 so that nothing past byte 47 is touched, hence its masks four bytes on.
+alignas(64) constexpr int8_t kC3First[64] = {
+    0, Z, 1, Z, 3, Z, 4, Z, 6, Z, 7, Z, 9, Z, 10, Z, 0, Z, 1, Z, 3, Z, 4, Z, 6, Z, 7, Z, 9, Z, 10, Z,
+    0, Z, 1, Z, 3, Z, 4, Z, 6, Z, 7, Z, 9, Z, 10, Z, 4, Z, 5, Z, 7, Z, 8, Z, 10, Z, 11, Z, 13, Z, 14, Z};
+alignas(64) constexpr int8_t kC3Second[64] = {
+    2, Z, Z, Z, 5, Z, Z, Z, 8, Z, Z, Z, 11, Z, Z, Z, 2, Z, Z, Z, 5, Z, Z, Z, 8, Z, Z, Z, 11, Z, Z, Z,
+    2, Z, Z, Z, 5, Z, Z, Z, 8, Z, Z, Z, 11, Z, Z, Z, 6, Z, Z, Z, 9, Z, Z, Z, 12, Z, Z, Z, 15, Z, Z, Z};
+alignas(64) constexpr int8_t kBgrxFirst[64] = {
+    0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z, 0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z,
+    0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z, 0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z};
+alignas(64) constexpr int8_t kBgrxSecond[64] = {
+    2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z, 2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z,
+    2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z, 2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z};
+
+inline Words LoadC3(const uint8_t* p) {
+  const __m512i raw = _mm512_maskz_loadu_epi32(0x0FFF, p);  // bytes 0 .. 47
+  // (The zero-masked form keeps GCC 12 from warning about the masked load.)
+  const __m512i lanes =
+      _mm512_maskz_permutexvar_epi32(0xFFFF, _mm512_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6, 6, 7, 8, 9, 8, 9, 10, 11), raw);
+  return ToWords(lanes, kC3First, kC3Second);
+}
+
+inline Words LoadBgrx(const uint8_t* p) { return ToWords(_mm512_loadu_si512(p), kBgrxFirst, kBgrxSecond); }
+
+inline __m512i Luma(const Words& w, const Output& y) { return _mm512_srli_epi32(Apply(w, y), 12); }
+
+// Chroma of sixteen groups from the pair-summed words of pixels 0-15 (a) and
+// 16-31 (b); `shift` 13 for pairs, 14 for 2 x 2 blocks.
+template <int shift>
+inline __m512i Chroma16(const Words& a, const Words& b, const Output& c) {
+  const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+  const __m512i sums = _mm512_permutex2var_epi32(Apply(a, c), even, Apply(b, c));
+  return _mm512_srli_epi32(_mm512_add_epi32(sums, _mm512_set1_epi32((128 << shift) + (1 << (shift - 1)))), shift);
+}
+
+// Dword 4k + j of a pack of four vectors back to vector j's order.
+inline __m512i Unlace(__m512i v) {
+  return _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), v);
+}
+
+template <class Load>
+void Encode422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, const Weights3& k,
+               uint32_t bytesPerPixel, Load load) {
+  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+    const uint8_t* p = src + bytesPerPixel * size_t(x);
+    const Words a = load(p), b = load(p + 16 * bytesPerPixel);
+    const Words pa = PairSum(a), pb = PairSum(b);
+    const __m512i out = Unlace(PackBytes(Luma(a, k.y), Luma(b, k.y), Chroma16<13>(pa, pb, k.cb),
+                                         Chroma16<13>(pa, pb, k.cr)));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y + x), _mm512_castsi512_si256(out));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cb + x / 2), _mm512_extracti32x4_epi32(out, 2));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cr + x / 2), _mm512_extracti32x4_epi32(out, 3));
+  }
+}
+
+template <class Load>
+void Encode420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+               uint32_t w, const Weights3& k, uint32_t bytesPerPixel, Load load) {
+  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+    const uint8_t* p0 = src0 + bytesPerPixel * size_t(x);
+    const uint8_t* p1 = src1 + bytesPerPixel * size_t(x);
+    const Words a0 = load(p0), b0 = load(p0 + 16 * bytesPerPixel);
+    const Words a1 = load(p1), b1 = load(p1 + 16 * bytesPerPixel);
+    const __m512i luma = Unlace(PackBytes(Luma(a0, k.y), Luma(b0, k.y), Luma(a1, k.y), Luma(b1, k.y)));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y0 + x), _mm512_castsi512_si256(luma));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y1 + x), _mm512_extracti64x4_epi64(luma, 1));
+    const Words pa = PairSum(Sum(a0, a1)), pb = PairSum(Sum(b0, b1));
+    const __m512i cbv = Chroma16<14>(pa, pb, k.cb), crv = Chroma16<14>(pa, pb, k.cr);
+    const __m512i chroma = Unlace(PackBytes(cbv, crv, cbv, crv));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cb + x / 2), _mm512_castsi512_si128(chroma));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(cr + x / 2), _mm512_extracti32x4_epi32(chroma, 1));
+  }
+}
+
+template <ChannelOrder order>
+void C3ToPlanar422Rows(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
+  Encode422(src, y, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
+  const uint32_t x = w & ~31u;
+  C3ToPlanar422Portable(src + 3 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x, order);
+}
+
+void C3ToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, ChannelOrder order) {
+  if (order == kOrderRGB)
+    C3ToPlanar422Rows<kOrderRGB>(src, y, cb, cr, w);
+  else
+    C3ToPlanar422Rows<kOrderBGR>(src, y, cb, cr, w);
+}
+
+void BgrxToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
+  Encode422(src, y, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
+  const uint32_t x = w & ~31u;
+  BgrxToPlanar422Portable(src + 4 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x);
+}
+
+template <ChannelOrder order>
+void C3ToPlanar420Rows(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+                       uint32_t w) {
+  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
+  const uint32_t x = w & ~31u;
+  C3ToPlanar420Portable(src0 + 3 * size_t(x), src1 + 3 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x,
+                        order);
+}
+
+void C3ToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+                   uint32_t w, ChannelOrder order) {
+  if (order == kOrderRGB)
+    C3ToPlanar420Rows<kOrderRGB>(src0, src1, y0, y1, cb, cr, w);
+  else
+    C3ToPlanar420Rows<kOrderBGR>(src0, src1, y0, y1, cb, cr, w);
+}
+
+void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+                     uint32_t w) {
+  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
+  const uint32_t x = w & ~31u;
+  BgrxToPlanar420Portable(src0 + 4 * size_t(x), src1 + 4 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x);
+}
+
+}  // namespace
+
+const YccRowKernels kYccRowsAVX512 = {
+    PairsToBgrx, PairsToC3, C3ToPlanar422, BgrxToPlanar422, C3ToPlanar420, BgrxToPlanar420,
+};
+
+}  // namespace kestrelink::ycc

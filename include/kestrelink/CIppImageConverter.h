@@ -29,7 +29,47 @@ class KESTRELINK_API CIppImageConverter {
   bool Mono16ToMono16MSB(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
   bool SwapWords(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
 
-  // Packed and swapped mono sources.
+  // Packed and swapped mono sources. `packedBits` is the bits a pixel takes
+  // in the frame (normally 12) and serves only where rows start; `d` is the
+  // data depth, 10 or 12. The MonoPcoPixelPacked 16-bit targets write nine
+  // values per eight pixels, so the destination needs width / 8 values of
+  // room past the frame; four of its plain targets set the process-wide
+  // team to 4 threads.
+  bool Mono16MSBToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBToMono8(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBToMono16(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBToMono16MSB(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool Mono16MSBSwapToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBSwapToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBSwapToMono8(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBSwapToMono16(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16MSBSwapToMono16MSB(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool Mono16PixelPackedToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16PixelPackedToBGR24(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16PixelPackedToMono8(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16PixelPackedToMono16(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst, bool flip);
+  bool Mono16PixelPackedToMono16MSB(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                    bool flip);
+  bool Mono16PixelPacked8448ToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                   bool flip);
+  bool Mono16PixelPacked8448ToBGR24(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                    bool flip);
+  bool Mono16PixelPacked8448ToMono8(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                    bool flip);
+  bool Mono16PixelPacked8448ToMono16(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                     bool flip);
+  bool Mono16PixelPacked8448ToMono16MSB(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                        bool flip);
+  bool MonoPcoPixelPackedToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst, bool flip);
+  bool MonoPcoPixelPackedToBGR24(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                 bool flip);
+  bool MonoPcoPixelPackedToMono8(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                 bool flip);
+  bool MonoPcoPixelPackedToMono16(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                  bool flip);
+  bool MonoPcoPixelPackedToMono16MSB(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
+                                     bool flip);
 
   // Packed and planar colour sources.
 

@@ -1,8 +1,8 @@
 // Plain path of the Mono16MSB, Mono16MSBSwap, Mono16PixelPacked and
 // Mono16PixelPacked8448 sources, at every processor variant, against
 // destinations worked out from the layouts' bit tables: rows written whole,
-// one after another, so that an odd width's last pair lands where the Part
-// of the format says it does.
+// one after another, so an odd width's last pair writes one pixel into the
+// next row, which the next row written overwrites.
 #include <gtest/gtest.h>
 #include <kestrelink/CIppImageConverter.h>
 

@@ -4,7 +4,7 @@
 # peers; with --fuzz, clang for the libFuzzer targets.
 set -euo pipefail
 
-packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3)
+packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg)
 for arg in "$@"; do
   case "$arg" in
     --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev) ;;

@@ -1,4 +1,5 @@
 #pragma once
 // Everything a program that links libkestrelink.so needs.
+#include <kestrelink/CH264Conversion.h>
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/DebugOutput.h>

@@ -128,46 +128,66 @@ void LanesToBytes(const uint8_t* src, uint8_t* dst, uint32_t pixels, const LaneR
   rule.left ? LanesToBytesT<true>(src, dst, pixels, rule) : LanesToBytesT<false>(src, dst, pixels, rule);
 }
 
-// Slots of four windows of the period, one per 128-bit lane.
-inline __m512i NineWindows(const uint8_t* src, const nineslot::Window* w) {
-  auto lanes = [](const void* a, const void* b, const void* c, const void* d) {
-    const __m256i lo = _mm256_loadu2_m128i(static_cast<const __m128i*>(b), static_cast<const __m128i*>(a));
-    const __m256i hi = _mm256_loadu2_m128i(static_cast<const __m128i*>(d), static_cast<const __m128i*>(c));
-    return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
-  };
-  const __m512i bytes = lanes(src + w[0].base, src + w[1].base, src + w[2].base, src + w[3].base);
-  const __m512i x = _mm512_shuffle_epi8(bytes, lanes(w[0].shuffle, w[1].shuffle, w[2].shuffle, w[3].shuffle));
-  const __m512i shiftedMask = lanes(w[0].shiftedMask, w[1].shiftedMask, w[2].shiftedMask, w[3].shiftedMask);
-  const __m512i plainMask = lanes(w[0].plainMask, w[1].plainMask, w[2].plainMask, w[3].plainMask);
-  return _mm512_or_si512(_mm512_and_si512(_mm512_srli_epi16(x, 4), shiftedMask), _mm512_and_si512(x, plainMask));
+// Four 16-byte pieces, one per 128-bit lane.
+inline __m512i Lanes(const void* a, const void* b, const void* c, const void* d) {
+  const __m256i lo = _mm256_loadu2_m128i(static_cast<const __m128i*>(b), static_cast<const __m128i*>(a));
+  const __m256i hi = _mm256_loadu2_m128i(static_cast<const __m128i*>(d), static_cast<const __m128i*>(c));
+  return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
 }
 
-inline void NinePeriod(const uint8_t* src, uint8_t* dst, __m128i count) {
+// The period's shuffles and masks: windows 0-3 and 4-7 in the lanes of two
+// registers, window 8 alone.
+struct NineVectors {
+  __m512i shuffle[2], shiftedMask[2], plainMask[2];
+  __m128i lastShuffle, lastShiftedMask, lastPlainMask, count;
+};
+
+NineVectors MakeNineVectors(uint32_t shift) {
   const nineslot::Window* w = nineslot::kPeriod.window;
-  _mm512_storeu_si512(dst, _mm512_sll_epi16(NineWindows(src, w), count));
-  _mm512_storeu_si512(dst + 64, _mm512_sll_epi16(NineWindows(src, w + 4), count));
-  const nineslot::Window& last = w[8];
-  const __m128i x = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + last.base)),
-                                     _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.shuffle)));
-  const __m128i shifted = _mm_and_si128(_mm_srli_epi16(x, 4), _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.shiftedMask)));
-  const __m128i plain = _mm_and_si128(x, _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.plainMask)));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + 128), _mm_sll_epi16(_mm_or_si128(shifted, plain), count));
+  NineVectors v;
+  for (int half = 0; half < 2; ++half) {
+    const nineslot::Window* q = w + 4 * half;
+    v.shuffle[half] = Lanes(q[0].shuffle, q[1].shuffle, q[2].shuffle, q[3].shuffle);
+    v.shiftedMask[half] = Lanes(q[0].shiftedMask, q[1].shiftedMask, q[2].shiftedMask, q[3].shiftedMask);
+    v.plainMask[half] = Lanes(q[0].plainMask, q[1].plainMask, q[2].plainMask, q[3].plainMask);
+  }
+  v.lastShuffle = _mm_loadu_si128(reinterpret_cast<const __m128i*>(w[8].shuffle));
+  v.lastShiftedMask = _mm_loadu_si128(reinterpret_cast<const __m128i*>(w[8].shiftedMask));
+  v.lastPlainMask = _mm_loadu_si128(reinterpret_cast<const __m128i*>(w[8].plainMask));
+  v.count = _mm_cvtsi32_si128(int(shift));
+  return v;
+}
+
+inline void NinePeriod(const uint8_t* src, uint8_t* dst, const NineVectors& v) {
+  const nineslot::Window* w = nineslot::kPeriod.window;
+  for (int half = 0; half < 2; ++half) {
+    const nineslot::Window* q = w + 4 * half;
+    const __m512i x = _mm512_shuffle_epi8(Lanes(src + q[0].base, src + q[1].base, src + q[2].base, src + q[3].base),
+                                          v.shuffle[half]);
+    const __m512i slots = _mm512_or_si512(_mm512_and_si512(_mm512_srli_epi16(x, 4), v.shiftedMask[half]),
+                                          _mm512_and_si512(x, v.plainMask[half]));
+    _mm512_storeu_si512(dst + 64 * half, _mm512_sll_epi16(slots, v.count));
+  }
+  const __m128i x = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + w[8].base)), v.lastShuffle);
+  const __m128i slots =
+      _mm_or_si128(_mm_and_si128(_mm_srli_epi16(x, 4), v.lastShiftedMask), _mm_and_si128(x, v.lastPlainMask));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + 128), _mm_sll_epi16(slots, v.count));
 }
 
 void PcoNineSlots(const uint8_t* src, uint8_t* dst, uint32_t groups, uint32_t shift) {
   using namespace nineslot;
-  const __m128i count = _mm_cvtsi32_si128(int(shift));
+  const NineVectors v = MakeNineVectors(shift);
   const uint64_t bytes = 12 * uint64_t(groups);
   uint32_t g = 0;
   for (; g + kGroups <= groups && 12 * uint64_t(g) + kPeriod.reach <= bytes; g += kGroups)
-    NinePeriod(src + 12 * size_t(g), dst + 18 * size_t(g), count);
+    NinePeriod(src + 12 * size_t(g), dst + 18 * size_t(g), v);
   // The rest, less than a period and a reach: through zero-padded copies.
   while (g < groups) {
     const uint32_t n = groups - g < kGroups ? groups - g : kGroups;
     alignas(64) uint8_t in[kBytes + 16] = {};
     alignas(64) uint8_t out[18 * kGroups];
     std::memcpy(in, src + 12 * size_t(g), 12 * size_t(n));
-    NinePeriod(in, out, count);
+    NinePeriod(in, out, v);
     std::memcpy(dst + 18 * size_t(g), out, 18 * size_t(n));
     g += n;
   }

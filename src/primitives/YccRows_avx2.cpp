@@ -163,54 +163,74 @@ inline __m256i Luma16(const Sixteen& s, const Output& y) {
   return _mm256_packs_epi32(_mm256_srli_epi32(Apply(s.a, y), 12), _mm256_srli_epi32(Apply(s.b, y), 12));
 }
 
-// Chroma of eight groups from their summed words: the pair sums fall in
-// group order; `shift` 13 for pairs, 14 for 2 x 2 blocks.
-inline __m256i Chroma8(const Sixteen& s, const Output& c, int shift) {
-  const __m256i sums = _mm256_hadd_epi32(Apply(s.a, c), Apply(s.b, c));
+// The words of each pair of pixels summed, eight pairs in order: per half,
+// lanes 0 and 2 of `a` and `b` plus lanes 1 and 3.
+inline __m256i PairSum(__m256i a, __m256i b) {
+  const __m256 fa = _mm256_castsi256_ps(a), fb = _mm256_castsi256_ps(b);
+  return _mm256_add_epi16(_mm256_castps_si256(_mm256_shuffle_ps(fa, fb, 0x88)),
+                          _mm256_castps_si256(_mm256_shuffle_ps(fa, fb, 0xDD)));
+}
+
+inline Words PairSums(const Sixteen& s) { return {PairSum(s.a.first, s.b.first), PairSum(s.a.second, s.b.second)}; }
+
+// Chroma of eight groups from their summed words; `shift` 13 for pairs, 14
+// for 2 x 2 blocks.
+template <int shift>
+inline __m256i Chroma8(const Words& pairs, const Output& c) {
   const __m256i bias = _mm256_set1_epi32((128 << shift) + (1 << (shift - 1)));
-  return _mm256_srl_epi32(_mm256_add_epi32(sums, bias), _mm_cvtsi32_si128(shift));
+  return _mm256_srli_epi32(_mm256_add_epi32(Apply(pairs, c), bias), shift);
 }
 
-// Words of Cb (low lane: groups 0-3, high: 4-7) and Cr to eight bytes each.
-inline void StoreChroma(__m256i cb, __m256i cr, uint8_t* cbOut, uint8_t* crOut) {
-  const __m256i bytes = _mm256_packus_epi16(_mm256_packs_epi32(cb, cr), _mm256_setzero_si256());
+// Thirty-two luma words (pixels 0-15 in `a`, 16-31 in `b`) to bytes.
+inline void StoreLuma(__m256i a, __m256i b, uint8_t* out) {
+  const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), bytes);
+}
+
+// Cb and Cr of sixteen groups (groups 0-7 in the first of each, 8-15 in the
+// second) to sixteen bytes each: whole stores, which matter where the planes
+// are not yet cached.
+inline void StoreChroma(__m256i cb0, __m256i cb1, __m256i cr0, __m256i cr1, uint8_t* cbOut, uint8_t* crOut) {
+  const __m256i bytes = _mm256_packus_epi16(_mm256_packs_epi32(cb0, cb1), _mm256_packs_epi32(cr0, cr1));
   const __m256i joined = _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
-  const __m128i lo = _mm256_castsi256_si128(joined);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(cbOut), lo);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(crOut), _mm_unpackhi_epi64(lo, lo));
-}
-
-inline void StoreLuma(__m256i words, uint8_t* out) {
-  const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(words, words), 0x08);
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(bytes));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(cbOut), _mm256_castsi256_si128(joined));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(crOut), _mm256_extracti128_si256(joined, 1));
 }
 
 template <class Load>
 void Encode422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, const Weights3& k,
                uint32_t bytesPerPixel, Load load) {
-  for (uint32_t x = 0; x + 16 <= w; x += 16) {
-    const Sixteen s = load(src + bytesPerPixel * size_t(x));
-    StoreLuma(Luma16(s, k.y), y + x);
-    StoreChroma(Chroma8(s, k.cb, 13), Chroma8(s, k.cr, 13), cb + x / 2, cr + x / 2);
+  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+    const uint8_t* p = src + bytesPerPixel * size_t(x);
+    const Sixteen s0 = load(p), s1 = load(p + 16 * bytesPerPixel);
+    StoreLuma(Luma16(s0, k.y), Luma16(s1, k.y), y + x);
+    const Words pairs0 = PairSums(s0), pairs1 = PairSums(s1);
+    StoreChroma(Chroma8<13>(pairs0, k.cb), Chroma8<13>(pairs1, k.cb), Chroma8<13>(pairs0, k.cr),
+                Chroma8<13>(pairs1, k.cr), cb + x / 2, cr + x / 2);
   }
 }
 
 template <class Load>
 void Encode420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                uint32_t w, const Weights3& k, uint32_t bytesPerPixel, Load load) {
-  for (uint32_t x = 0; x + 16 <= w; x += 16) {
-    const Sixteen s0 = load(src0 + bytesPerPixel * size_t(x)), s1 = load(src1 + bytesPerPixel * size_t(x));
-    StoreLuma(Luma16(s0, k.y), y0 + x);
-    StoreLuma(Luma16(s1, k.y), y1 + x);
-    const Sixteen sum{Sum(s0.a, s1.a), Sum(s0.b, s1.b)};
-    StoreChroma(Chroma8(sum, k.cb, 14), Chroma8(sum, k.cr, 14), cb + x / 2, cr + x / 2);
+  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+    const uint8_t* p0 = src0 + bytesPerPixel * size_t(x);
+    const uint8_t* p1 = src1 + bytesPerPixel * size_t(x);
+    const Sixteen a0 = load(p0), b0 = load(p0 + 16 * bytesPerPixel);
+    const Sixteen a1 = load(p1), b1 = load(p1 + 16 * bytesPerPixel);
+    StoreLuma(Luma16(a0, k.y), Luma16(b0, k.y), y0 + x);
+    StoreLuma(Luma16(a1, k.y), Luma16(b1, k.y), y1 + x);
+    const Words blocksA = PairSums({Sum(a0.a, a1.a), Sum(a0.b, a1.b)});
+    const Words blocksB = PairSums({Sum(b0.a, b1.a), Sum(b0.b, b1.b)});
+    StoreChroma(Chroma8<14>(blocksA, k.cb), Chroma8<14>(blocksB, k.cb), Chroma8<14>(blocksA, k.cr),
+                Chroma8<14>(blocksB, k.cr), cb + x / 2, cr + x / 2);
   }
 }
 
 template <ChannelOrder order>
 void C3ToPlanar422Rows(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
   Encode422(src, y, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
-  const uint32_t x = w & ~15u;
+  const uint32_t x = w & ~31u;
   C3ToPlanar422Portable(src + 3 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x, order);
 }
 
@@ -223,7 +243,7 @@ void C3ToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uin
 
 void BgrxToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
   Encode422(src, y, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
-  const uint32_t x = w & ~15u;
+  const uint32_t x = w & ~31u;
   BgrxToPlanar422Portable(src + 4 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x);
 }
 
@@ -231,7 +251,7 @@ template <ChannelOrder order>
 void C3ToPlanar420Rows(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                        uint32_t w) {
   Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
-  const uint32_t x = w & ~15u;
+  const uint32_t x = w & ~31u;
   C3ToPlanar420Portable(src0 + 3 * size_t(x), src1 + 3 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x,
                         order);
 }
@@ -247,7 +267,7 @@ void C3ToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_
 void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                      uint32_t w) {
   Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
-  const uint32_t x = w & ~15u;
+  const uint32_t x = w & ~31u;
   BgrxToPlanar420Portable(src0 + 4 * size_t(x), src1 + 4 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x);
 }
 

@@ -130,10 +130,16 @@ inline Words Sum(const Words& a, const Words& b) {
   return {_mm512_add_epi16(a.first, b.first), _mm512_add_epi16(a.second, b.second)};
 }
 
-// Each even 32-bit lane gets its pair's summed words; odd lanes are unused.
-inline Words PairSum(const Words& w) {
-  return {_mm512_add_epi16(w.first, _mm512_srli_epi64(w.first, 32)),
-          _mm512_add_epi16(w.second, _mm512_srli_epi64(w.second, 32))};
+// The words of each pair of pixels summed, sixteen pairs in order, from
+// pixels 0-15 (a) and 16-31 (b): the even lanes plus the odd ones.
+inline __m512i PairSum(__m512i a, __m512i b) {
+  const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+  const __m512i odd = _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+  return _mm512_add_epi16(_mm512_permutex2var_epi32(a, even, b), _mm512_permutex2var_epi32(a, odd, b));
+}
+
+inline Words PairSums(const Words& a, const Words& b) {
+  return {PairSum(a.first, b.first), PairSum(a.second, b.second)};
 }
 
 // Three-byte pixels, lane k from byte 12k; the last lane is read from byte
@@ -152,8 +158,12 @@ alignas(64) constexpr int8_t kBgrxSecond[64] = {
     2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z, 2, Z, Z, Z, 6, Z, Z, Z, 10, Z, Z, Z, 14, Z, Z, Z};
 
 inline Words LoadC3(const uint8_t* p) {
-  const __m512i raw = _mm512_maskz_loadu_epi32(0x0FFF, p);  // bytes 0 .. 47
-  // (The zero-masked form keeps GCC 12 from warning about the masked load.)
+  // Bytes 0 .. 47 by plain loads: a masked load is slow on memory not yet
+  // cached. (The all-ones masked forms keep GCC 12's headers from warning.)
+  const __m512i low = _mm512_maskz_inserti64x4(0xFF, _mm512_setzero_si512(),
+                                               _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)), 0);
+  const __m512i raw =
+      _mm512_mask_inserti32x4(low, 0xFFFF, low, _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 32)), 2);
   const __m512i lanes =
       _mm512_maskz_permutexvar_epi32(0xFFFF, _mm512_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6, 6, 7, 8, 9, 8, 9, 10, 11), raw);
   return ToWords(lanes, kC3First, kC3Second);
@@ -163,13 +173,12 @@ inline Words LoadBgrx(const uint8_t* p) { return ToWords(_mm512_loadu_si512(p), 
 
 inline __m512i Luma(const Words& w, const Output& y) { return _mm512_srli_epi32(Apply(w, y), 12); }
 
-// Chroma of sixteen groups from the pair-summed words of pixels 0-15 (a) and
-// 16-31 (b); `shift` 13 for pairs, 14 for 2 x 2 blocks.
+// Chroma of sixteen groups from their summed words; `shift` 13 for pairs,
+// 14 for 2 x 2 blocks.
 template <int shift>
-inline __m512i Chroma16(const Words& a, const Words& b, const Output& c) {
-  const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-  const __m512i sums = _mm512_permutex2var_epi32(Apply(a, c), even, Apply(b, c));
-  return _mm512_srli_epi32(_mm512_add_epi32(sums, _mm512_set1_epi32((128 << shift) + (1 << (shift - 1)))), shift);
+inline __m512i Chroma16(const Words& groups, const Output& c) {
+  const __m512i bias = _mm512_set1_epi32((128 << shift) + (1 << (shift - 1)));
+  return _mm512_srli_epi32(_mm512_add_epi32(Apply(groups, c), bias), shift);
 }
 
 // Dword 4k + j of a pack of four vectors back to vector j's order.
@@ -177,44 +186,98 @@ inline __m512i Unlace(__m512i v) {
   return _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15), v);
 }
 
+// Luma of 32 pixels (0-15 and 16-31) and the chroma of their sixteen
+// groups, as 32-bit lanes.
+struct Columns32 {
+  __m512i lumaA, lumaB, cb, cr;
+};
+
+inline Columns32 Encode422Columns(const Words& a, const Words& b, const Weights3& k) {
+  const Words pairs = PairSums(a, b);
+  return {Luma(a, k.y), Luma(b, k.y), Chroma16<13>(pairs, k.cb), Chroma16<13>(pairs, k.cr)};
+}
+
+// Two rows: the first row's luma in `top`, the second's in `bottom`, the
+// chroma of the 2 x 2 blocks in `top`.
+struct Rows32 {
+  Columns32 top;
+  __m512i bottomA, bottomB;
+};
+
+inline Rows32 Encode420Columns(const Words& a0, const Words& b0, const Words& a1, const Words& b1, const Weights3& k) {
+  const Words blocks = PairSums(Sum(a0, a1), Sum(b0, b1));
+  return {{Luma(a0, k.y), Luma(b0, k.y), Chroma16<14>(blocks, k.cb), Chroma16<14>(blocks, k.cr)},
+          Luma(a1, k.y),
+          Luma(b1, k.y)};
+}
+
+inline void Store32(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+inline void Store16(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+
+// Both encoders take 64 columns a step, so that luma goes out in whole
+// 64-byte lines and chroma in halves (which matters where the planes are not
+// cached), then 32 columns once; they answer how many columns they did.
 template <class Load>
-void Encode422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, const Weights3& k,
-               uint32_t bytesPerPixel, Load load) {
-  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+uint32_t Encode422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, const Weights3& k,
+                   uint32_t bytesPerPixel, Load load) {
+  const size_t block = 16 * bytesPerPixel;
+  uint32_t x = 0;
+  for (; x + 64 <= w; x += 64) {
     const uint8_t* p = src + bytesPerPixel * size_t(x);
-    const Words a = load(p), b = load(p + 16 * bytesPerPixel);
-    const Words pa = PairSum(a), pb = PairSum(b);
-    const __m512i out = Unlace(PackBytes(Luma(a, k.y), Luma(b, k.y), Chroma16<13>(pa, pb, k.cb),
-                                         Chroma16<13>(pa, pb, k.cr)));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y + x), _mm512_castsi512_si256(out));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(cb + x / 2), _mm512_extracti32x4_epi32(out, 2));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(cr + x / 2), _mm512_extracti32x4_epi32(out, 3));
+    const Columns32 l = Encode422Columns(load(p), load(p + block), k);
+    const Columns32 r = Encode422Columns(load(p + 2 * block), load(p + 3 * block), k);
+    _mm512_storeu_si512(y + x, Unlace(PackBytes(l.lumaA, l.lumaB, r.lumaA, r.lumaB)));
+    const __m512i chroma = Unlace(PackBytes(l.cb, r.cb, l.cr, r.cr));
+    Store32(cb + x / 2, _mm512_castsi512_si256(chroma));
+    Store32(cr + x / 2, _mm512_extracti64x4_epi64(chroma, 1));
   }
+  if (x + 32 <= w) {
+    const uint8_t* p = src + bytesPerPixel * size_t(x);
+    const Columns32 c = Encode422Columns(load(p), load(p + block), k);
+    const __m512i out = Unlace(PackBytes(c.lumaA, c.lumaB, c.cb, c.cr));
+    Store32(y + x, _mm512_castsi512_si256(out));
+    Store16(cb + x / 2, _mm512_extracti32x4_epi32(out, 2));
+    Store16(cr + x / 2, _mm512_extracti32x4_epi32(out, 3));
+    x += 32;
+  }
+  return x;
 }
 
 template <class Load>
-void Encode420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
-               uint32_t w, const Weights3& k, uint32_t bytesPerPixel, Load load) {
-  for (uint32_t x = 0; x + 32 <= w; x += 32) {
+uint32_t Encode420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+                   uint32_t w, const Weights3& k, uint32_t bytesPerPixel, Load load) {
+  const size_t block = 16 * bytesPerPixel;
+  uint32_t x = 0;
+  for (; x + 64 <= w; x += 64) {
     const uint8_t* p0 = src0 + bytesPerPixel * size_t(x);
     const uint8_t* p1 = src1 + bytesPerPixel * size_t(x);
-    const Words a0 = load(p0), b0 = load(p0 + 16 * bytesPerPixel);
-    const Words a1 = load(p1), b1 = load(p1 + 16 * bytesPerPixel);
-    const __m512i luma = Unlace(PackBytes(Luma(a0, k.y), Luma(b0, k.y), Luma(a1, k.y), Luma(b1, k.y)));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y0 + x), _mm512_castsi512_si256(luma));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(y1 + x), _mm512_extracti64x4_epi64(luma, 1));
-    const Words pa = PairSum(Sum(a0, a1)), pb = PairSum(Sum(b0, b1));
-    const __m512i cbv = Chroma16<14>(pa, pb, k.cb), crv = Chroma16<14>(pa, pb, k.cr);
-    const __m512i chroma = Unlace(PackBytes(cbv, crv, cbv, crv));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(cb + x / 2), _mm512_castsi512_si128(chroma));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(cr + x / 2), _mm512_extracti32x4_epi32(chroma, 1));
+    const Rows32 l = Encode420Columns(load(p0), load(p0 + block), load(p1), load(p1 + block), k);
+    const Rows32 r = Encode420Columns(load(p0 + 2 * block), load(p0 + 3 * block), load(p1 + 2 * block),
+                                      load(p1 + 3 * block), k);
+    _mm512_storeu_si512(y0 + x, Unlace(PackBytes(l.top.lumaA, l.top.lumaB, r.top.lumaA, r.top.lumaB)));
+    _mm512_storeu_si512(y1 + x, Unlace(PackBytes(l.bottomA, l.bottomB, r.bottomA, r.bottomB)));
+    const __m512i chroma = Unlace(PackBytes(l.top.cb, r.top.cb, l.top.cr, r.top.cr));
+    Store32(cb + x / 2, _mm512_castsi512_si256(chroma));
+    Store32(cr + x / 2, _mm512_extracti64x4_epi64(chroma, 1));
   }
+  if (x + 32 <= w) {
+    const uint8_t* p0 = src0 + bytesPerPixel * size_t(x);
+    const uint8_t* p1 = src1 + bytesPerPixel * size_t(x);
+    const Rows32 c = Encode420Columns(load(p0), load(p0 + block), load(p1), load(p1 + block), k);
+    const __m512i luma = Unlace(PackBytes(c.top.lumaA, c.top.lumaB, c.bottomA, c.bottomB));
+    Store32(y0 + x, _mm512_castsi512_si256(luma));
+    Store32(y1 + x, _mm512_extracti64x4_epi64(luma, 1));
+    const __m512i chroma = Unlace(PackBytes(c.top.cb, c.top.cr, c.top.cb, c.top.cr));
+    Store16(cb + x / 2, _mm512_castsi512_si128(chroma));
+    Store16(cr + x / 2, _mm512_extracti32x4_epi32(chroma, 1));
+    x += 32;
+  }
+  return x;
 }
 
 template <ChannelOrder order>
 void C3ToPlanar422Rows(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
-  Encode422(src, y, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
-  const uint32_t x = w & ~31u;
+  const uint32_t x = Encode422(src, y, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
   C3ToPlanar422Portable(src + 3 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x, order);
 }
 
@@ -226,16 +289,14 @@ void C3ToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uin
 }
 
 void BgrxToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
-  Encode422(src, y, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
-  const uint32_t x = w & ~31u;
+  const uint32_t x = Encode422(src, y, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
   BgrxToPlanar422Portable(src + 4 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x);
 }
 
 template <ChannelOrder order>
 void C3ToPlanar420Rows(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                        uint32_t w) {
-  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
-  const uint32_t x = w & ~31u;
+  const uint32_t x = Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
   C3ToPlanar420Portable(src0 + 3 * size_t(x), src1 + 3 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x,
                         order);
 }
@@ -250,8 +311,7 @@ void C3ToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_
 
 void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                      uint32_t w) {
-  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
-  const uint32_t x = w & ~31u;
+  const uint32_t x = Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
   BgrxToPlanar420Portable(src0 + 4 * size_t(x), src1 + 4 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x);
 }
 

@@ -71,7 +71,56 @@ class KESTRELINK_API CIppImageConverter {
   bool MonoPcoPixelPackedToMono16MSB(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
                                      bool flip);
 
-  // Packed and planar colour sources.
+  // Packed and planar colour sources. BGRx destinations keep their fourth
+  // byte unless a method says otherwise. Planar frames are three planes of
+  // w * h samples, p1, p2, p3; which colour each plane means differs by
+  // method as documented there.
+  bool BGR24ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToBGR48(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToRGB48(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToBGR24P(uint32_t w, uint32_t h, void* src, void* p1, void* p2, void* p3, bool flip);  // B, G, R planes
+  bool RGB24ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);  // d 8: above darkens
+  bool RGB24ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGRxToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGRxToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RBG32ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // drops the fourth byte only
+  bool BGR48ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR48ToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR48ToBGR48(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool RGB48ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool RGB48ToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  // BGR64ToBGRx narrows by 16 - d and BGR64ToBGR24 by d - 8: at d 16 the
+  // first keeps the low byte and the second the high byte.
+  bool BGR64ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR64ToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR64ToBGR48(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR555PackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR555PackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR555PackedToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR565PackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR565PackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR565PackedToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  // The third channel of every pixel goes to byte 0 of the destination, not
+  // to the pixel: each pixel's third byte stays as the caller left it.
+  bool BGR10PixelPackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedPhoenixToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedPhoenixToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RGB10PixelPackedPhoenixToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RGB10PixelPackedPhoenixToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v1ToBGR(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v1ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  bool GVSPBGR10v2ToBGR(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v2ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  // Plain path: p1 red, fourth byte 0. Colour map: p1 feeds byte 0.
+  bool BGR24PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR24PToBGR24(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);  // p1 to byte 0
+  bool BGR30PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);  // as BGR24P
+  bool BGR36PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);  // as BGR24P
+  bool BGR42PToBGRx(uint32_t w, uint32_t h, uint32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR48PToBGR24(uint32_t w, uint32_t h, int32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);  // p1 red
 
   // YUV sources and the static encoders.
 

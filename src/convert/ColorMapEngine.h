@@ -84,7 +84,40 @@ class CColorMapEngine {
   bool MonoPcoPixelPackedToMono16(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src, void* dst,
                                   bool flip);
 
-  // Packed and planar colour sources.
+  // Packed and planar colour sources. Pseudo-colour never reaches them.
+  bool BGR24ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RGB24ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool RGB24ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGRxToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGRxToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR48ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR48ToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR48ToBGR48(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool RGB48ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool RGB48ToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR64ToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR64ToBGR48(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip);
+  bool BGR555PackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR555PackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR565PackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR565PackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedPhoenixToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR10PixelPackedPhoenixToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RGB10PixelPackedPhoenixToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool RGB10PixelPackedPhoenixToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v1ToBGR(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v1ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v2ToBGR(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool GVSPBGR10v2ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR24PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR24PToBGR24(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR30PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR36PToBGRx(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR42PToBGRx(uint32_t w, uint32_t h, uint32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);
+  bool BGR48PToBGR24(uint32_t w, uint32_t h, int32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);
 
   // YUV sources.
 

@@ -4,6 +4,7 @@
 // caller write a frame bottom-up without a scratch copy.
 #include "primitives/IppTypes.h"
 #include "primitives/Cfa.h"
+#include "primitives/CopyPrimitives.h"
 #include "primitives/CpuDispatch.h"
 #include "primitives/RgbToYCbCr.h"
 #include "primitives/YCbCrToRgb.h"

@@ -1,0 +1,209 @@
+// AVX2 channel-copy rows (this file is built with -mavx2). Whole vectors
+// only; the portable rows finish each row.
+#include <immintrin.h>
+
+#include <array>
+#include <cstddef>
+
+#include "convert/rows/ColourRowsCopy.h"
+
+namespace kestrelink::rows {
+namespace {
+
+using LaneMask = std::array<int8_t, 16>;
+
+// Byte k of a group of sixteen three-byte pixels is channel k % 3 of pixel
+// k / 3. Gathers channel `ch` from part `part` (bytes 16*part ..) to the
+// pixel's place; the other bytes come out 0.
+constexpr LaneMask SplitMask(int ch, int part) {
+  LaneMask m{};
+  for (int p = 0; p < 16; ++p) {
+    const int k = 3 * p + ch;
+    m[p] = k / 16 == part ? int8_t(k % 16) : int8_t(-128);
+  }
+  return m;
+}
+
+// The reverse: puts pixel q's channel `ch` where part `part` of the group wants it.
+constexpr LaneMask MergeMask(int ch, int part) {
+  LaneMask m{};
+  for (int q = 0; q < 16; ++q) {
+    const int k = 16 * part + q;
+    m[q] = k % 3 == ch ? int8_t(k / 3) : int8_t(-128);
+  }
+  return m;
+}
+
+constexpr std::array<std::array<LaneMask, 3>, 3> kSplitMasks = {{
+    {SplitMask(0, 0), SplitMask(0, 1), SplitMask(0, 2)},
+    {SplitMask(1, 0), SplitMask(1, 1), SplitMask(1, 2)},
+    {SplitMask(2, 0), SplitMask(2, 1), SplitMask(2, 2)},
+}};
+constexpr std::array<std::array<LaneMask, 3>, 3> kMergeMasks = {{
+    {MergeMask(0, 0), MergeMask(0, 1), MergeMask(0, 2)},
+    {MergeMask(1, 0), MergeMask(1, 1), MergeMask(1, 2)},
+    {MergeMask(2, 0), MergeMask(2, 1), MergeMask(2, 2)},
+}};
+
+inline __m256i BothLanes(const LaneMask& m) {
+  return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m.data())));
+}
+
+inline __m256i Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+inline void Store(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+
+// Shuffle of one lane: byte 3p + order[i] to byte 4p + i, byte 4p + 3 zero.
+__m256i Spread3To4Shuffle(ChannelOrder order) {
+  alignas(32) int8_t m[32];
+  for (int lane = 0; lane < 2; ++lane)
+    for (int p = 0; p < 4; ++p) {
+      for (int i = 0; i < 3; ++i) m[16 * lane + 4 * p + i] = int8_t(3 * p + order.c[i]);
+      m[16 * lane + 4 * p + 3] = -128;
+    }
+  return _mm256_load_si256(reinterpret_cast<const __m256i*>(m));
+}
+
+void Bytes3To4(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  const __m256i spread = _mm256_setr_epi32(0, 1, 2, 0, 3, 4, 5, 0);  // twelve bytes to each lane
+  const __m256i shuffle = Spread3To4Shuffle(order);
+  const __m256i fourth = _mm256_set1_epi32(int(0xFF000000u));
+  const __m128i count = _mm_cvtsi32_si128(int(shift));
+  const __m256i keep = _mm256_set1_epi8(char(shift < 8 ? 0xFFu >> shift : 0u));
+  uint32_t x = 0;
+  for (; w - x >= 11; x += 8) {  // the load reads 32 bytes, 24 of them these eight pixels
+    __m256i v = _mm256_and_si256(_mm256_srl_epi16(Load(src + 3 * size_t(x)), count), keep);
+    v = _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, spread), shuffle);
+    uint8_t* out = dst + 4 * size_t(x);
+    Store(out, _mm256_or_si256(v, _mm256_and_si256(Load(out), fourth)));
+  }
+  Bytes3To4Portable(src + 3 * size_t(x), dst + 4 * size_t(x), w - x, order, shift);
+}
+
+void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
+  const __m256i shuffle = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128,  //
+                                           0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128);
+  const __m256i pack = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
+  uint32_t x = 0;
+  for (; x + 8 <= w; x += 8) {
+    const __m256i v = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(Load(src + 4 * size_t(x)), shuffle), pack);
+    uint8_t* out = dst + 3 * size_t(x);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(v));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(v, 1));
+  }
+  Bytes4To3Portable(src + 4 * size_t(x), dst + 3 * size_t(x), w - x);
+}
+
+// Part `part` of two groups of sixteen pixels, one group a lane.
+inline __m256i LoadParts(const uint8_t* group, int part) {
+  const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(group + 16 * part));
+  const __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(group + 48 + 16 * part));
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(lo), hi, 1);
+}
+
+void Split3(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, uint32_t w) {
+  __m256i m[3][3];
+  for (int ch = 0; ch < 3; ++ch)
+    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(kSplitMasks[ch][part]);
+  uint8_t* const planes[3] = {d0, d1, d2};
+  uint32_t x = 0;
+  for (; x + 32 <= w; x += 32) {
+    const uint8_t* group = src + 3 * size_t(x);
+    const __m256i a = LoadParts(group, 0), b = LoadParts(group, 1), c = LoadParts(group, 2);
+    for (int ch = 0; ch < 3; ++ch) {
+      const __m256i ab = _mm256_or_si256(_mm256_shuffle_epi8(a, m[ch][0]), _mm256_shuffle_epi8(b, m[ch][1]));
+      Store(planes[ch] + x, _mm256_or_si256(ab, _mm256_shuffle_epi8(c, m[ch][2])));
+    }
+  }
+  Split3Portable(src + 3 * size_t(x), d0 + x, d1 + x, d2 + x, w - x);
+}
+
+void Merge3(const uint8_t* s0, const uint8_t* s1, const uint8_t* s2, uint8_t* dst, uint32_t w) {
+  __m256i m[3][3];
+  for (int ch = 0; ch < 3; ++ch)
+    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(kMergeMasks[ch][part]);
+  uint32_t x = 0;
+  for (; x + 32 <= w; x += 32) {
+    const __m256i s[3] = {Load(s0 + x), Load(s1 + x), Load(s2 + x)};
+    __m256i part[3];  // lane 0: part of pixels 0-15, lane 1: the same part of pixels 16-31
+    for (int j = 0; j < 3; ++j) {
+      const __m256i ab = _mm256_or_si256(_mm256_shuffle_epi8(s[0], m[0][j]), _mm256_shuffle_epi8(s[1], m[1][j]));
+      part[j] = _mm256_or_si256(ab, _mm256_shuffle_epi8(s[2], m[2][j]));
+    }
+    uint8_t* out = dst + 3 * size_t(x);
+    Store(out, _mm256_permute2x128_si256(part[0], part[1], 0x20));
+    Store(out + 32, _mm256_permute2x128_si256(part[2], part[0], 0x30));
+    Store(out + 64, _mm256_permute2x128_si256(part[1], part[2], 0x31));
+  }
+  Merge3Portable(s0 + x, s1 + x, s2 + x, dst + 3 * size_t(x), w - x);
+}
+
+// Channels reordered by blending loads displaced by each channel's move:
+// byte k of a vector that starts on a pixel is channel (k / bytes) % 3.
+template <uint32_t bytes, class Portable>
+void Reorder3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, Portable portable) {
+  constexpr uint32_t pixel = 3 * bytes, step = (32 / pixel) * pixel, reach = 2 * bytes;
+  alignas(32) int8_t channelOf[32];
+  for (uint32_t k = 0; k < 32; ++k) channelOf[k] = int8_t((k / bytes) % 3);
+  const __m256i channel = _mm256_load_si256(reinterpret_cast<const __m256i*>(channelOf));
+  __m256i select[3];
+  std::ptrdiff_t move[3];
+  for (int i = 0; i < 3; ++i) {
+    select[i] = _mm256_cmpeq_epi8(channel, _mm256_set1_epi8(char(i)));
+    move[i] = (std::ptrdiff_t(order.c[i]) - i) * std::ptrdiff_t(bytes);
+  }
+  if (w == 0) return;
+  portable(src, dst, 1, order);  // vectors start at pixel 1, so no load reaches before the row
+  const size_t rowBytes = size_t(w) * pixel;
+  size_t at = pixel;
+  for (; at + 32 + reach <= rowBytes; at += step) {
+    __m256i v = Load(src + at);
+    for (int i = 0; i < 3; ++i) v = _mm256_blendv_epi8(v, Load(src + at + move[i]), select[i]);
+    Store(dst + at, v);
+  }
+  portable(src + at, dst + at, uint32_t((rowBytes - at) / pixel), order);
+}
+
+void Reorder3x8(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order) {
+  Reorder3<1>(src, dst, w, order, Reorder3x8Portable);
+}
+
+void Reorder3x16(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order) {
+  Reorder3<2>(src, dst, w, order, Reorder3x16Portable);
+}
+
+void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
+  const __m256i shuffle = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128,  //
+                                           0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128);
+  const __m256i pack = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
+  uint32_t x = 0;
+  for (; x + 4 <= w; x += 4) {
+    const __m256i v = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(Load(src + 8 * size_t(x)), shuffle), pack);
+    uint8_t* out = dst + 6 * size_t(x);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(v));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(v, 1));
+  }
+  Words4To3Portable(src + 8 * size_t(x), dst + 6 * size_t(x), w - x);
+}
+
+void Words4ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
+  const __m128i count = _mm_cvtsi32_si128(int(shift));
+  const __m256i low = _mm256_set1_epi16(0xFF), fourth = _mm256_set1_epi32(int(0xFF000000u));
+  uint32_t x = 0;
+  for (; x + 8 <= w; x += 8) {
+    const uint8_t* in = src + 8 * size_t(x);
+    const __m256i a = _mm256_and_si256(_mm256_srl_epi16(Load(in), count), low);
+    const __m256i b = _mm256_and_si256(_mm256_srl_epi16(Load(in + 32), count), low);
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);  // pixels back in order
+    uint8_t* out = dst + 4 * size_t(x);
+    Store(out, _mm256_blendv_epi8(bytes, Load(out), fourth));
+  }
+  Words4ToBytes3Of4Portable(src + 8 * size_t(x), dst + 4 * size_t(x), w - x, shift);
+}
+
+}  // namespace
+
+const CopyRowKernels kCopyRowsAVX2 = {
+    Bytes3To4, Bytes4To3, Split3, Merge3, Reorder3x8, Reorder3x16, Words4To3, Words4ToBytes3Of4,
+};
+
+}  // namespace kestrelink::rows

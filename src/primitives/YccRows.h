@@ -19,6 +19,13 @@ inline constexpr int kCrR = 1799, kCrG = -1506, kCrB = -293;
 // Channel order of three-byte pixels.
 enum ChannelOrder : int { kOrderBGR = 0, kOrderRGB = 1 };
 
+// The encoders' weights for the channels in memory order.
+struct EncodeWeights {
+  int y[3], cb[3], cr[3];
+};
+inline constexpr EncodeWeights kEncodeBGR = {{kYB, kYG, kYR}, {kCbB, kCbG, kCbR}, {kCrB, kCrG, kCrR}};
+inline constexpr EncodeWeights kEncodeRGB = {{kYR, kYG, kYB}, {kCbR, kCbG, kCbB}, {kCrR, kCrG, kCrB}};
+
 struct YccRowKernels {
   // `pairs` groups Y0 Cb Y1 Cr to BGRx pixels with `alpha` in the fourth byte.
   void (*pairs_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha);

@@ -102,14 +102,10 @@ struct Weights3 {
   Output y, cb, cr;
 };
 
-template <ChannelOrder order>
-Weights3 EncodeWeights() {
-  const int yw[3] = {order == kOrderBGR ? kYB : kYR, kYG, order == kOrderBGR ? kYR : kYB};
-  const int cbw[3] = {order == kOrderBGR ? kCbB : kCbR, kCbG, order == kOrderBGR ? kCbR : kCbB};
-  const int crw[3] = {order == kOrderBGR ? kCrB : kCrR, kCrG, order == kOrderBGR ? kCrR : kCrB};
-  return {{Weights(yw[0], yw[1]), Weights(yw[2], 2048)},
-          {Weights(cbw[0], cbw[1]), Weights(cbw[2], 0)},
-          {Weights(crw[0], crw[1]), Weights(crw[2], 0)}};
+Weights3 Prepare(const EncodeWeights& w) {
+  return {{Weights(w.y[0], w.y[1]), Weights(w.y[2], 2048)},
+          {Weights(w.cb[0], w.cb[1]), Weights(w.cb[2], 0)},
+          {Weights(w.cr[0], w.cr[1]), Weights(w.cr[2], 0)}};
 }
 
 inline __m256i Apply(const Words& w, const Output& o) {
@@ -227,46 +223,29 @@ void Encode420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y
   }
 }
 
-template <ChannelOrder order>
-void C3ToPlanar422Rows(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
-  Encode422(src, y, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
+void C3ToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, ChannelOrder order) {
+  Encode422(src, y, cb, cr, w, Prepare(order == kOrderRGB ? kEncodeRGB : kEncodeBGR), 3, LoadC3);
   const uint32_t x = w & ~31u;
   C3ToPlanar422Portable(src + 3 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x, order);
 }
 
-void C3ToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w, ChannelOrder order) {
-  if (order == kOrderRGB)
-    C3ToPlanar422Rows<kOrderRGB>(src, y, cb, cr, w);
-  else
-    C3ToPlanar422Rows<kOrderBGR>(src, y, cb, cr, w);
-}
-
 void BgrxToPlanar422(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w) {
-  Encode422(src, y, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
+  Encode422(src, y, cb, cr, w, Prepare(kEncodeBGR), 4, LoadBgrx);
   const uint32_t x = w & ~31u;
   BgrxToPlanar422Portable(src + 4 * size_t(x), y + x, cb + x / 2, cr + x / 2, w - x);
 }
 
-template <ChannelOrder order>
-void C3ToPlanar420Rows(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
-                       uint32_t w) {
-  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<order>(), 3, LoadC3);
+void C3ToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
+                   uint32_t w, ChannelOrder order) {
+  Encode420(src0, src1, y0, y1, cb, cr, w, Prepare(order == kOrderRGB ? kEncodeRGB : kEncodeBGR), 3, LoadC3);
   const uint32_t x = w & ~31u;
   C3ToPlanar420Portable(src0 + 3 * size_t(x), src1 + 3 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x,
                         order);
 }
 
-void C3ToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
-                   uint32_t w, ChannelOrder order) {
-  if (order == kOrderRGB)
-    C3ToPlanar420Rows<kOrderRGB>(src0, src1, y0, y1, cb, cr, w);
-  else
-    C3ToPlanar420Rows<kOrderBGR>(src0, src1, y0, y1, cb, cr, w);
-}
-
 void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr,
                      uint32_t w) {
-  Encode420(src0, src1, y0, y1, cb, cr, w, EncodeWeights<kOrderBGR>(), 4, LoadBgrx);
+  Encode420(src0, src1, y0, y1, cb, cr, w, Prepare(kEncodeBGR), 4, LoadBgrx);
   const uint32_t x = w & ~31u;
   BgrxToPlanar420Portable(src0 + 4 * size_t(x), src1 + 4 * size_t(x), y0 + x, y1 + x, cb + x / 2, cr + x / 2, w - x);
 }

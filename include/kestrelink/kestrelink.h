@@ -1,5 +1,6 @@
 #pragma once
 // Everything a program that links libkestrelink.so needs.
 #include <kestrelink/CH264Conversion.h>
+#include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/DebugOutput.h>

@@ -193,7 +193,41 @@ done
   fail "flipped heat PNG: exit $?"
 expect_png_bytes "flipped heat PNG, blue and red exchanged" "$work/heat.png" "00 00 5e 00 00 34"
 
+# --- packed and swapped mono sources ----------------------------------------
+# Two pixels in three bytes, a 12-bit slot each, low pixel first: 34 12 ab hold 0x234 and 0xab1.
+printf '\x34\x12\xab' >"$work/pair.raw"
+expect_conversion "mono12p -> mono16" "34 02 b1 0a" --from mono12p --to mono16 --size 2x1 "$work/pair.raw"
+expect_conversion "mono12p -> mono8" "23 ab" --from mono12p --to mono8 --size 2x1 "$work/pair.raw"
+# 8448: 8 high bits, 4 low bits, 4 low bits, 8 high bits.
+printf '\xab\x21\xcd' >"$work/pair8448.raw"
+expect_conversion "mono12p8448 -> mono16" "b1 0a d2 0c" --from Mono16PixelPacked8448 --to mono16 --size 2x1 \
+  "$work/pair8448.raw"
+# --packed-bits 16 starts row 1 of a 2x2 frame at byte (1 * 2 * 16) / 8 = 4.
+printf '\x34\x12\xab\x00\x56\x34\xcd' >"$work/pair-rows.raw"
+expect_conversion "mono12p, --packed-bits 16" "34 02 b1 0a 56 04 d3 0c" --from mono12p --packed-bits 16 --to mono16 \
+  --size 2x2 "$work/pair-rows.raw"
+# PCO: pixels 0x123 0x456 0x789 0xabc 0xdef 0x012 0x345 0x678, most significant bit first in
+# little-endian words. To mono16 a group writes nine values, the third p2 & 0xff0; the frame keeps
+# the first eight, the ninth lands past it.
+printf '\x34\x12\x78\x56\xbc\x9a\xf0\xde\x34\x12\x78\x56' >"$work/pco.raw"
+expect_conversion "mono12pco -> mono16" "23 01 56 04 80 07 89 07 bc 0a ef 0d 12 00 40 03" --from mono12pco \
+  --to mono16 --size 8x1 "$work/pco.raw"
+expect_conversion "mono12pco -> mono8" "12 45 78 ab de 01 34 67" --from mono12pco --to mono8 --size 8x1 "$work/pco.raw"
+# mono16msbswap: byte 0 holds the high byte; 0xabcd at depth 12 is 0xabc.
+printf '\xab\xcd' >"$work/swap.raw"
+expect_conversion "mono16msbswap -> mono16" "bc 0a" --from mono16msbswap --to mono16 --size 1x1 "$work/swap.raw"
+# 8448 to BGR24 through the colour map: the library spaces rows 4 bytes a pixel apart, the tool
+# packs them again. Negative map at 12 bits: 4096 - v, narrowed by 4.
+expect_conversion "mono12p8448 -> bgr24, negative" "cb cb cb 87 87 87 a9 a9 a9 65 65 65" --from mono12p8448 \
+  --to bgr24 --pseudo 4 --size 2x2 "$work/pco.raw"
+
 # --- refusals ------------------------------------------------------------
+expect_refusal 2 "--depth for mono12p sources is 10 or 12" convert --from mono12p --depth 14 --to mono16 --size 2x1 \
+  "$work/pair.raw" "$work/x.raw"
+expect_refusal 2 "--packed-bits applies to packed sources" convert --from mono16 --packed-bits 12 --to mono8 \
+  --size 4x2 "$work/in16.raw" "$work/x.raw"
+expect_refusal 1 "a 4x2 mono12p frame needs 12" convert --from mono12p --to mono16 --size 4x2 "$work/pair.raw" \
+  "$work/x.raw"
 expect_refusal 2 "--size" convert --from mono16 --to mono8 --size 4x0 "$work/in16.raw" "$work/x.raw"
 expect_refusal 2 "--size" convert --from mono16 --to mono8 --size four "$work/in16.raw" "$work/x.raw"
 expect_refusal 2 "--size" convert --from mono16 --to mono8 --size 70000x1 "$work/in16.raw" "$work/x.raw"
@@ -218,9 +252,12 @@ expect_refusal 1 "LUT" convert --from mono8 --lut "$work/missing.lut" --to bgrx 
 expect_refusal 2 "unknown command" frobnicate
 
 # --- help ----------------------------------------------------------------
-"$tool" --help | grep -q "usage" || fail "--help printed no usage"
-"$tool" help convert | grep -q -- "--from LAYOUT" || fail "help convert lacks --from"
-"$tool" convert --help | grep -q "example" || fail "convert --help has no example"
+# grep reads the whole help: one that quits at the first match would leave a
+# long help's writer to die of SIGPIPE, which pipefail reports.
+"$tool" --help | grep "usage" >/dev/null || fail "--help printed no usage"
+"$tool" help convert | grep -- "--from LAYOUT" >/dev/null || fail "help convert lacks --from"
+"$tool" convert --help | grep "example" >/dev/null || fail "convert --help has no example"
+"$tool" convert --help | grep -- "--packed-bits N" >/dev/null || fail "convert --help lacks --packed-bits"
 status=0
 "$tool" >/dev/null 2>&1 || status=$?
 [[ $status == 2 ]] || fail "no arguments: exit $status, want 2"

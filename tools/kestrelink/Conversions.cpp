@@ -3,6 +3,8 @@
 
 #include <kestrelink/CIppImageConverter.h>
 
+#include <cstring>
+
 #include "ToolError.h"
 
 namespace kestrelink::tool {
@@ -31,6 +33,58 @@ const Conversion kConversions[] = {
      [](C& c, const FrameJob& j) { return c.Mono16ToMono16(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
     {L::Mono16, L::Mono16Msb, "Mono16ToMono16MSB", false,
      [](C& c, const FrameJob& j) { return c.Mono16ToMono16MSB(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    // Packed and swapped mono sources; 8448 to BGR24 spaces rows 4 bytes a
+    // pixel apart on the colour-map path.
+    {L::Mono16Msb, L::Bgrx, "Mono16MSBToBGRx", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBToBGRx(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16Msb, L::Bgr24, "Mono16MSBToBGR24", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBToBGR24(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16Msb, L::Mono8, "Mono16MSBToMono8", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBToMono8(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16Msb, L::Mono16, "Mono16MSBToMono16", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBToMono16(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16Msb, L::Mono16Msb, "Mono16MSBToMono16MSB", false,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBToMono16MSB(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Mono16MsbSwap, L::Bgrx, "Mono16MSBSwapToBGRx", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBSwapToBGRx(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16MsbSwap, L::Bgr24, "Mono16MSBSwapToBGR24", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBSwapToBGR24(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16MsbSwap, L::Mono8, "Mono16MSBSwapToMono8", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBSwapToMono8(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16MsbSwap, L::Mono16, "Mono16MSBSwapToMono16", true,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBSwapToMono16(j.width, j.height, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono16MsbSwap, L::Mono16Msb, "Mono16MSBSwapToMono16MSB", false,
+     [](C& c, const FrameJob& j) { return c.Mono16MSBSwapToMono16MSB(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Mono12p, L::Bgrx, "Mono16PixelPackedToBGRx", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPackedToBGRx(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p, L::Bgr24, "Mono16PixelPackedToBGR24", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPackedToBGR24(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p, L::Mono8, "Mono16PixelPackedToMono8", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPackedToMono8(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p, L::Mono16, "Mono16PixelPackedToMono16", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPackedToMono16(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p, L::Mono16Msb, "Mono16PixelPackedToMono16MSB", false,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPackedToMono16MSB(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p8448, L::Bgrx, "Mono16PixelPacked8448ToBGRx", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPacked8448ToBGRx(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p8448, L::Bgr24, "Mono16PixelPacked8448ToBGR24", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPacked8448ToBGR24(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }, 4},
+    {L::Mono12p8448, L::Mono8, "Mono16PixelPacked8448ToMono8", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPacked8448ToMono8(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p8448, L::Mono16, "Mono16PixelPacked8448ToMono16", true,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPacked8448ToMono16(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12p8448, L::Mono16Msb, "Mono16PixelPacked8448ToMono16MSB", false,
+     [](C& c, const FrameJob& j) { return c.Mono16PixelPacked8448ToMono16MSB(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12pco, L::Bgrx, "MonoPcoPixelPackedToBGRx", true,
+     [](C& c, const FrameJob& j) { return c.MonoPcoPixelPackedToBGRx(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12pco, L::Bgr24, "MonoPcoPixelPackedToBGR24", true,
+     [](C& c, const FrameJob& j) { return c.MonoPcoPixelPackedToBGR24(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12pco, L::Mono8, "MonoPcoPixelPackedToMono8", true,
+     [](C& c, const FrameJob& j) { return c.MonoPcoPixelPackedToMono8(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12pco, L::Mono16, "MonoPcoPixelPackedToMono16", true,
+     [](C& c, const FrameJob& j) { return c.MonoPcoPixelPackedToMono16(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
+    {L::Mono12pco, L::Mono16Msb, "MonoPcoPixelPackedToMono16MSB", false,
+     [](C& c, const FrameJob& j) { return c.MonoPcoPixelPackedToMono16MSB(j.width, j.height, j.packedBits, j.depth, j.src, j.dst, j.flip); }},
 };
 
 }  // namespace
@@ -58,17 +112,26 @@ std::string SourceNames() {
 }
 
 std::vector<uint8_t> RunConversion(const Conversion& conversion, const ColourMapSettings& colourMap,
-                                   uint32_t width, uint32_t height, uint32_t depth, std::span<uint8_t> src, bool flip) {
+                                   uint32_t width, uint32_t height, uint32_t depth, std::span<uint8_t> src, bool flip,
+                                   uint32_t packedBits) {
   const uint64_t pixels = uint64_t(width) * height;
-  if (src.size() < pixels * LayoutOf(conversion.from).bytesPerPixel)
+  if (src.size() < SourceBytes(LayoutOf(conversion.from), width, height, packedBits))
     throw RunError("the source buffer is shorter than one frame");  // callers check first; this keeps it defined
-  std::vector<uint8_t> dst(pixels * LayoutOf(conversion.to).bytesPerPixel);
+  const uint32_t pixelBytes = LayoutOf(conversion.to).bytesPerPixel;
+  const uint32_t rowPixelBytes =
+      colourMap.Any() && conversion.mappedRowBytesPerPixel ? conversion.mappedRowBytesPerPixel : pixelBytes;
+  // Packed sources write whole groups of pixels: up to nine slots of up to
+  // 4 bytes a group of eight past the last row.
+  std::vector<uint8_t> dst(pixels * rowPixelBytes + 36 * (uint64_t(width) / 8 + 1));
   CIppImageConverter converter;
   ApplyColourMap(converter, colourMap);
-  const FrameJob job{width, height, depth, src.data(), dst.data(), flip};
+  const FrameJob job{width, height, depth, src.data(), dst.data(), flip, packedBits};
   if (!conversion.call(converter, job))
     throw RunError(std::string(conversion.method) + " refused a " + std::to_string(width) + "x" +
                    std::to_string(height) + " frame at depth " + std::to_string(depth));
+  for (uint64_t row = 1; rowPixelBytes != pixelBytes && row < height; ++row)  // rows packed tightly again
+    std::memmove(&dst[row * width * pixelBytes], &dst[row * width * rowPixelBytes], size_t(width) * pixelBytes);
+  dst.resize(pixels * pixelBytes);
   return dst;
 }
 

@@ -1,4 +1,5 @@
 // The help of kestrelink convert; layouts and conversions come from their tables.
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
 #include <string>
@@ -17,6 +18,24 @@ std::string Spellings(const Layout& layout) {
   text += " (" + std::string(layout.libraryName);
   if (!layout.alias.empty()) text += ", " + std::string(layout.alias);
   return text + ")";
+}
+
+// Column widths that fit the longest entry, with a space after it.
+int SpellingsWidth() {
+  size_t width = 26;
+  for (const Layout& layout : AllLayouts()) width = std::max(width, Spellings(layout).size() + 2);
+  return int(width);
+}
+int NameWidth() {
+  size_t width = 11;
+  for (const Layout& layout : AllLayouts()) width = std::max(width, layout.name.size() + 1);
+  return int(width);
+}
+
+bool IsTarget(LayoutId id) {
+  for (const Conversion& conversion : AllConversions())
+    if (conversion.to == id) return true;
+  return false;
 }
 
 }  // namespace
@@ -39,7 +58,10 @@ void PrintConvertUsage(std::ostream& out) {
       << " each, e.g. 1920x1080\n"
          "\n"
          "options:\n"
-         "  --depth D         bits a mono16 sample carries, 8 to 16 (default 12); mono8 is 8\n"
+         "  --depth D         bits a mono16 sample carries, 8 to 16 (default 12); mono8 is 8;\n"
+         "                    packed sources (mono12p, mono12p8448, mono12pco) carry 10 or 12\n"
+         "  --packed-bits N   packed sources: bits a pixel takes where rows start, 1 to 32\n"
+         "                    (default 12); the pairs always take 3 bytes\n"
          "  --flip            turn the frame upside down (bottom row first)\n"
          "  --pseudo N        pseudo-colour map: 0 rainbow from red, 1 rainbow from blue, 2 heat,\n"
          "                    3 heat with blue and red exchanged, 4 negative; colours show in\n"
@@ -60,20 +82,21 @@ void PrintConvertUsage(std::ostream& out) {
          "\n"
          "layouts (any case; the library's names work too):\n";
   for (const Layout& layout : AllLayouts())
-    out << "  " << std::left << std::setw(26) << Spellings(layout) << layout.description << '\n';
+    out << "  " << std::left << std::setw(SpellingsWidth()) << Spellings(layout) << layout.description << '\n';
   out << "\nconversions:\n";
   for (const Layout& layout : AllLayouts()) {
     const std::string targets = TargetNames(layout.id);
-    if (!targets.empty()) out << "  from " << std::left << std::setw(11) << layout.name << targets << '\n';
+    if (!targets.empty()) out << "  from " << std::left << std::setw(NameWidth()) << layout.name << targets << '\n';
   }
   out << "\nPNG output:\n";
   for (const Layout& layout : AllLayouts())
-    out << "  " << std::left << std::setw(11) << layout.name << layout.pngDescription << '\n';
+    if (IsTarget(layout.id)) out << "  " << std::left << std::setw(NameWidth()) << layout.name << layout.pngDescription << '\n';
   out << "\n"
          "examples:\n"
          "  kestrelink convert --from mono16 --depth 12 --to bgrx --size 1920x1080 frame.raw frame.png\n"
          "  kestrelink convert --from mono16 --to mono8 --size 640x480 --flip frame.raw frame8.raw\n"
          "  kestrelink convert --from mono8 --to bgr --size 640x480 --pseudo 2 frame8.raw heat.png\n"
+         "  kestrelink convert --from mono12p --depth 12 --to mono16 --size 2048x1536 camera.raw frame16.raw\n"
          "\n"
          "exit status: 0 done, 1 a file or the conversion failed, 2 the command line is wrong\n";
 }

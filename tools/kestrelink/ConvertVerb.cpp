@@ -19,12 +19,15 @@ namespace {
 
 inline constexpr uint32_t kDefaultMono16Depth = 12;
 inline constexpr int64_t kMinDepth = 8, kMaxDepth = 16;
+inline constexpr uint32_t kDefaultPackedBits = 12;
+inline constexpr int64_t kMinPackedBits = 1, kMaxPackedBits = 32;
 
 struct ConvertRequest {
   const Layout* from = nullptr;
   const Layout* to = nullptr;
   std::optional<FrameSize> size;
   std::optional<uint32_t> depth;
+  std::optional<uint32_t> packedBits;
   bool flip = false;
   ColourMapSettings colourMap;
   std::string in, out;
@@ -46,6 +49,9 @@ bool ParseRequest(std::span<const std::string_view> args, ConvertRequest& reques
       {"--to", "LAYOUT", [&](std::string_view v) { r.to = &NamedLayout("--to", v); }},
       {"--size", "WxH", [&](std::string_view v) { r.size = ParseSize("--size", v); }},
       {"--depth", "D", [&](std::string_view v) { r.depth = uint32_t(ParseInteger("--depth", v, kMinDepth, kMaxDepth)); }},
+      {"--packed-bits", "N", [&](std::string_view v) {
+         r.packedBits = uint32_t(ParseInteger("--packed-bits", v, kMinPackedBits, kMaxPackedBits));
+       }},
       {"--flip", "", [&](std::string_view) { r.flip = true; }},
       {"--pseudo", "N", [&](std::string_view v) { r.colourMap.pseudoMode = int32_t(ParseInteger("--pseudo", v, 0, 4)); }},
       {"--lut", "FILE", [&](std::string_view v) { r.colourMap.lutPath = std::string(v); }},
@@ -67,12 +73,23 @@ bool ParseRequest(std::span<const std::string_view> args, ConvertRequest& reques
 }
 
 // The source depth: --depth for layouts that carry any, the layout's own otherwise.
+// Packed sources hold 10- or 12-bit data; the library leaves other depths' frames untouched.
 uint32_t SourceDepth(const ConvertRequest& r) {
+  if (r.from->groupPixels && r.depth && *r.depth != 10 && *r.depth != 12)
+    throw UsageError("--depth for " + std::string(r.from->name) + " sources is 10 or 12");
   if (!r.from->fixedDepth) return r.depth.value_or(kDefaultMono16Depth);
   if (r.depth && *r.depth != r.from->fixedDepth)
     throw UsageError("--depth applies to mono16 sources; " + std::string(r.from->name) + " is always " +
                      std::to_string(r.from->fixedDepth) + " bits");
   return r.from->fixedDepth;
+}
+
+// Bits a pixel where packed rows start: --packed-bits, for packed sources only.
+uint32_t SourcePackedBits(const ConvertRequest& r) {
+  if (r.packedBits && !r.from->groupPixels)
+    throw UsageError("--packed-bits applies to packed sources (mono12p, mono12p8448, mono12pco); " +
+                     std::string(r.from->name) + " is not packed");
+  return r.packedBits.value_or(kDefaultPackedBits);
 }
 
 const Conversion& ChosenConversion(const ConvertRequest& r) {
@@ -95,6 +112,7 @@ int RunConvert(std::span<const std::string_view> args) {
     return 0;
   }
   const uint32_t depth = SourceDepth(r);
+  const uint32_t packedBits = SourcePackedBits(r);
   const Conversion& conversion = ChosenConversion(r);
   if (r.colourMap.Any() && !conversion.colourMapPath)
     std::cerr << "kestrelink convert: note: " << conversion.method << " has no colour-map path; "
@@ -103,8 +121,8 @@ int RunConvert(std::span<const std::string_view> args) {
   const uint32_t w = r.size->width, h = r.size->height;
   const std::string frameName =
       "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(r.from->name) + " frame";
-  std::vector<uint8_t> src = ReadFrameFile(r.in, uint64_t(w) * h * r.from->bytesPerPixel, frameName);
-  const std::vector<uint8_t> dst = RunConversion(conversion, r.colourMap, w, h, depth, src, r.flip);
+  std::vector<uint8_t> src = ReadFrameFile(r.in, SourceBytes(*r.from, w, h, packedBits), frameName);
+  const std::vector<uint8_t> dst = RunConversion(conversion, r.colourMap, w, h, depth, src, r.flip, packedBits);
 
   if (IsPngPath(r.out)) {
     const uint32_t dstDepth = r.to->fixedDepth ? r.to->fixedDepth : depth;

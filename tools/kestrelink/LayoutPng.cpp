@@ -51,6 +51,14 @@ PngImage LayoutToPng(LayoutId layout, uint32_t width, uint32_t height, uint32_t 
       image.bytes.resize(pixels * 3);
       BgrToRgb(frame.data(), layout == LayoutId::Bgrx ? 4 : 3, image.bytes.data(), pixels);
       break;
+    case LayoutId::Mono16MsbSwap:  // high byte first: PNG's own byte order
+      image.pixel = PngPixel::Grey16;
+      image.bytes.assign(frame.begin(), frame.begin() + 2 * pixels);
+      break;
+    case LayoutId::Mono12p:
+    case LayoutId::Mono12p8448:
+    case LayoutId::Mono12pco:
+      throw RunError(std::string(LayoutOf(layout).name) + " is a source only; convert it to make a PNG");
   }
   return image;
 }

@@ -18,6 +18,16 @@ constexpr Layout kLayouts[] = {
     {LayoutId::Bgrx, "bgrx", "BGRx", "", 4, 8, "4 bytes a pixel: B, G, R, unused",
      "8-bit RGB (the unused fourth byte is dropped)"},
     {LayoutId::Bgr24, "bgr24", "BGR24", "bgr", 3, 8, "3 bytes a pixel: B, G, R", "8-bit RGB"},
+    {LayoutId::Mono16MsbSwap, "mono16msbswap", "Mono16MSBSwap", "", 2, 0,
+     "mono16msb with its two bytes exchanged: byte 0 holds the high byte", "(a source only)"},
+    {LayoutId::Mono12p, "mono12p", "Mono16PixelPacked", "", 0, 0,
+     "two pixels in 3 bytes, 12 bits each, low pixel first",
+     "(a source only)", 2},
+    {LayoutId::Mono12p8448, "mono12p8448", "Mono16PixelPacked8448", "", 0, 0,
+     "two pixels in 3 bytes: 8 high bits, 4 low bits, 4 low bits, 8 high bits", "(a source only)", 2},
+    {LayoutId::Mono12pco, "mono12pco", "MonoPcoPixelPacked", "", 0, 0,
+     "eight 12-bit pixels in 12 bytes, top bit first in 16-bit words",
+     "(a source only)", 8},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) {
@@ -43,6 +53,15 @@ const Layout* FindLayout(std::string_view name) {
         (!layout.alias.empty() && SameLetters(name, layout.alias)))
       return &layout;
   return nullptr;
+}
+
+uint64_t SourceBytes(const Layout& layout, uint32_t width, uint32_t height, uint32_t packedBits) {
+  if (!layout.groupPixels) return uint64_t(width) * height * layout.bytesPerPixel;
+  if (height == 0) return 0;
+  const uint64_t groups = (uint64_t(width) + layout.groupPixels - 1) / layout.groupPixels;
+  const uint64_t last = height - 1;
+  if (layout.groupPixels == 8) return ((last * width * 3) >> 3) * 4 + 12 * groups;  // PCO rows
+  return ((last * width * std::max(packedBits, 12u)) >> 3) + 3 * groups;
 }
 
 std::string LayoutNames() {

@@ -7,7 +7,8 @@
 
 namespace kestrelink::tool {
 
-enum class LayoutId { Mono8, Mono16, Mono16Msb, Bgrx, Bgr24 };
+enum class LayoutId { Mono8, Mono16, Mono16Msb, Bgrx, Bgr24,
+                      Mono16MsbSwap, Mono12p, Mono12p8448, Mono12pco };
 
 struct Layout {
   LayoutId id;
@@ -18,6 +19,10 @@ struct Layout {
   uint32_t fixedDepth;  // bits per sample when the layout settles it, else 0 (set by --depth)
   std::string_view description;
   std::string_view pngDescription;  // what a PNG of this layout holds
+  // Packed sources: pixels per group (2 for the pair-packed layouts, 8 for
+  // the 12-byte PCO groups), whose rows are not width * bytesPerPixel long;
+  // 0 for every other layout.
+  uint32_t groupPixels = 0;
 };
 
 std::span<const Layout> AllLayouts();
@@ -25,6 +30,11 @@ const Layout& LayoutOf(LayoutId id);
 
 // Case-insensitive lookup by name, library name or alias; nullptr if unknown.
 const Layout* FindLayout(std::string_view name);
+
+// Bytes a source frame of this layout takes: width * height * bytesPerPixel,
+// or for a packed layout where its last row's last group ends (the pair
+// layouts' rows start packedBits, or 12 where more, bits a pixel apart).
+uint64_t SourceBytes(const Layout& layout, uint32_t width, uint32_t height, uint32_t packedBits);
 
 // "mono8, mono16, ..." for messages.
 std::string LayoutNames();

@@ -99,6 +99,7 @@ struct Words {
   __m512i first, second;
 };
 
+// Weights of one output (Y, Cb or Cr) for the two word vectors.
 struct Output {
   __m512i first, second;
 };

@@ -92,9 +92,8 @@ void RegisterSize(PackedFrames& f) {
   Ours(f, "Mono16PixelPackedToBGRx:d12", 1.5, 4, [b, d](PackedFrames& f) {
     return f.plain.Mono16PixelPackedToBGRx(f.w, f.h, b, d, f.packed.data(), f.dst.data(), false);
   });
-  Ours(f, "Mono16MSBToMono8:d12", 2, 1, [d](PackedFrames& f) {
-    return f.plain.Mono16MSBToMono8(f.w, f.h, d, f.words.data(), f.dst.data(), false);
-  });
+  Ours(f, "Mono16MSBToMono8:d12", 2, 1,
+       [d](PackedFrames& f) { return f.plain.Mono16MSBToMono8(f.w, f.h, d, f.words.data(), f.dst.data(), false); });
   Ours(f, "Mono16MSBSwapToMono16:d12", 2, 2, [d](PackedFrames& f) {
     return f.plain.Mono16MSBSwapToMono16(f.w, f.h, d, f.words.data(), f.dst.data(), false);
   });

@@ -4,13 +4,14 @@
 // Mono16, where the swapped source goes through the Mono16MSB loop and its
 // bytes are not exchanged: a settled behaviour that callers depend on.
 #include "convert/ColorMapEngine.h"
+#include "convert/ColorMapPackedMonoLooks.h"
 #include "convert/PackedMonoFrame.h"
-#include "convert/rows/LutRows.h"
 #include "convert/rows/PackedMonoRows.h"
 
 using kestrelink::RowAt;
 namespace packedmono = kestrelink::packedmono;
 namespace rows = kestrelink::rows;
+using namespace kestrelink::colormap;
 
 namespace {
 
@@ -26,71 +27,59 @@ void IndexRows(uint32_t w, uint32_t h, bool flip, const void* src, IndexKernel k
   packedmono::StageRows<uint16_t>(
       h, flip, kWords, span, dst, [&](uint32_t row) { return RowAt(src, 2 * size_t(w), row); },
       [&](const uint8_t* row, uint64_t first, uint32_t n, uint8_t* out) { kernel(row + 2 * first, out, n, shift); },
-      [&](const uint16_t* staged, uint8_t* out, uint32_t n) { look(reinterpret_cast<const uint8_t*>(staged), out, n); });
+      [&](const uint16_t* staged, uint8_t* out, uint32_t n) {
+        look(reinterpret_cast<const uint8_t*>(staged), out, n);
+      });
 }
 
 }  // namespace
 
 bool CColorMapEngine::Mono16MSBToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, false)) return false;  // no pseudo-colour for this one
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().rshift16, packedmono::JustifyShift(d), dst, 4,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgrx(index, out, n, lut, mask); });
+            BgrxLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().rshift16, packedmono::JustifyShift(d), dst, 3,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgr(index, out, n, lut, mask); });
+            BgrLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBToMono8(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), 8)) return false;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().rshift16, packedmono::JustifyShift(d), dst, 1,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToByte(index, out, n, lut, mask); });
+            ByteLook{MonoTable(), MonoMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBToMono16(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), int32_t(d))) return false;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().rshift16, packedmono::JustifyShift(d), dst, 2,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToWord(index, out, n, lut, mask); });
+            WordLook{MonoTable(), MonoMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBSwapToBGRx(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().swap_rshift16, packedmono::SwappedJustifyShift(d), dst, 4,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgrx(index, out, n, lut, mask); });
+            BgrxLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBSwapToBGR24(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().swap_rshift16, packedmono::SwappedJustifyShift(d), dst, 3,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgr(index, out, n, lut, mask); });
+            BgrLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16MSBSwapToMono8(uint32_t w, uint32_t h, uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), 8)) return false;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
   IndexRows(w, h, flip, src, rows::PackedMonoRows().swap_rshift16, packedmono::SwappedJustifyShift(d), dst, 1,
-            [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToByte(index, out, n, lut, mask); });
+            ByteLook{MonoTable(), MonoMask()});
   return true;
 }
 

@@ -6,11 +6,12 @@
 // depth test is inverted (any nonzero d reads 12-bit pixels, into a table d
 // bits deep), and to BGR24 destination rows lie width * 4 bytes apart.
 #include "convert/ColorMapEngine.h"
+#include "convert/ColorMapPackedMonoLooks.h"
 #include "convert/PackedMonoLanes.h"
-#include "convert/rows/LutRows.h"
 
 namespace packedmono = kestrelink::packedmono;
 namespace rows = kestrelink::rows;
+using namespace kestrelink::colormap;
 using kestrelink::packedmono::ForDepth;
 using kestrelink::packedmono::Pairs;
 using kestrelink::rows::LaneRule;
@@ -31,7 +32,9 @@ void PairIndexRows(const packedmono::PackedRows& src, uint32_t h, const LaneRule
       [&](const uint8_t* row, uint64_t group, uint32_t groups, uint8_t* out) {
         kernel(row + group * g.bytes, out, groups * g.pixels, rule);
       },
-      [&](const uint16_t* staged, uint8_t* out, uint32_t n) { look(reinterpret_cast<const uint8_t*>(staged), out, n); });
+      [&](const uint16_t* staged, uint8_t* out, uint32_t n) {
+        look(reinterpret_cast<const uint8_t*>(staged), out, n);
+      });
 }
 
 }  // namespace
@@ -39,86 +42,63 @@ void PairIndexRows(const packedmono::PackedRows& src, uint32_t h, const LaneRule
 bool CColorMapEngine::Mono16PixelPackedToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                               void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16);
-  if (!rule) return true;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 4, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgrx(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 4, flip,
+                  BgrxLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPackedToBGR24(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16);
-  if (!rule) return true;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 3 * uint64_t(w), 3, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgr(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 3 * uint64_t(w), 3, flip,
+                  BgrLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPackedToMono8(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), 8)) return false;
-  const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16);
-  if (!rule) return true;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, w, 1, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToByte(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, w, 1, flip, ByteLook{MonoTable(), MonoMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPackedToMono16(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                 void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), int32_t(d))) return false;
-  const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16);
-  if (!rule) return true;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 2 * uint64_t(w), 2, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToWord(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::kPacked10ToMono16, rows::kPacked12ToMono16))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 2 * uint64_t(w), 2, flip,
+                  WordLook{MonoTable(), MonoMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPacked8448ToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                   void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12);
-  if (!rule) return true;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 4, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgrx(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 4, flip,
+                  BgrxLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPacked8448ToBGR24(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                    void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12);
-  if (!rule) return true;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  // Rows lie width * 4 bytes apart though a pixel takes 3: callers size the
-  // frame height * width * 4.
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 3, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgr(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12))
+    // Rows lie width * 4 bytes apart though a pixel takes 3: callers size the
+    // frame height * width * 4.
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, 4 * uint64_t(w), 3, flip,
+                  BgrLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::Mono16PixelPacked8448ToMono8(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
                                                    void* dst, bool flip) {
   if (!EnsureMonoTable(12, 8)) return false;  // 12 bits deep whatever d says
-  const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12);
-  if (!rule) return true;
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();
-  PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, w, 1, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToByte(index, out, n, lut, mask); });
+  if (const LaneRule* rule = ForDepth(d, rows::k8448To10, rows::k8448To12))
+    PairIndexRows(Pairs(src, w, packedBits), h, *rule, dst, w, 1, flip, ByteLook{MonoTable(), MonoMask()});
   return true;
 }
 
@@ -126,9 +106,7 @@ bool CColorMapEngine::Mono16PixelPacked8448ToMono16(uint32_t w, uint32_t h, uint
                                                     void* dst, bool flip) {
   if (!EnsureMonoTable(int32_t(d), int32_t(d))) return false;
   const LaneRule& rule = d != 0 ? rows::k8448To12 : rows::k8448To10;  // the inverted test
-  const uint16_t* lut = MonoTable();
-  const uint32_t mask = MonoMask();  // 12-bit pixels in a 10-bit table wrap inside it
-  PairIndexRows(Pairs(src, w, packedBits), h, rule, dst, 2 * uint64_t(w), 2, flip,
-                [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToWord(index, out, n, lut, mask); });
+  // 12-bit pixels in a 10-bit table wrap inside it.
+  PairIndexRows(Pairs(src, w, packedBits), h, rule, dst, 2 * uint64_t(w), 2, flip, WordLook{MonoTable(), MonoMask()});
   return true;
 }

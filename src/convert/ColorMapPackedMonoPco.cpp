@@ -7,12 +7,13 @@
 // bits in and 8 out; Mono8 and Mono16 take table 0 alone, so a Mono16 result
 // carries 8-bit values.
 #include "convert/ColorMapEngine.h"
+#include "convert/ColorMapPackedMonoLooks.h"
 #include "convert/PackedMonoFrame.h"
-#include "convert/rows/LutRows.h"
 #include "convert/rows/PackedMonoRows.h"
 
 namespace packedmono = kestrelink::packedmono;
 namespace rows = kestrelink::rows;
+using namespace kestrelink::colormap;
 
 namespace {
 
@@ -32,7 +33,9 @@ void PcoIndexRows(const void* src, uint32_t w, uint32_t h, bool fragmentInSlot7,
         uint16_t* slots = reinterpret_cast<uint16_t*>(out);
         for (uint32_t k = 0; k < groups; ++k) slots[9 * k + 6] >>= 8;  // p5 >> 8 is W3 & 15
       },
-      [&](const uint16_t* staged, uint8_t* out, uint32_t n) { look(reinterpret_cast<const uint8_t*>(staged), out, n); });
+      [&](const uint16_t* staged, uint8_t* out, uint32_t n) {
+        look(reinterpret_cast<const uint8_t*>(staged), out, n);
+      });
 }
 
 }  // namespace
@@ -40,44 +43,27 @@ void PcoIndexRows(const void* src, uint32_t w, uint32_t h, bool fragmentInSlot7,
 bool CColorMapEngine::MonoPcoPixelPackedToBGRx(uint32_t w, uint32_t h, [[maybe_unused]] uint32_t packedBits, uint32_t d,
                                                void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  PcoIndexRows(src, w, h, true, dst, 4, flip,
-               [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgrx(index, out, n, lut, mask); });
+  PcoIndexRows(src, w, h, true, dst, 4, flip, BgrxLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::MonoPcoPixelPackedToBGR24(uint32_t w, uint32_t h, [[maybe_unused]] uint32_t packedBits,
                                                 uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();
-  const uint32_t mask = ColorMask();
-  PcoIndexRows(src, w, h, true, dst, 3, flip,
-               [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToBgr(index, out, n, lut, mask); });
+  PcoIndexRows(src, w, h, true, dst, 3, flip, BgrLook{ColorBgrx(), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::MonoPcoPixelPackedToMono8(uint32_t w, uint32_t h, [[maybe_unused]] uint32_t packedBits,
                                                 uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint16_t* lut = ColorTable(0);
-  const uint32_t mask = ColorMask();
-  PcoIndexRows(src, w, h, true, dst, 1, flip,
-               [&](const uint8_t* index, uint8_t* out, uint32_t n) { rows::Lut16ToByte(index, out, n, lut, mask); });
+  PcoIndexRows(src, w, h, true, dst, 1, flip, ByteLook{ColorTable(0), ColorMask()});
   return true;
 }
 
 bool CColorMapEngine::MonoPcoPixelPackedToMono16(uint32_t w, uint32_t h, [[maybe_unused]] uint32_t packedBits,
                                                  uint32_t d, void* src, void* dst, bool flip) {
   if (!EnsureColorTables(int32_t(d), 8, true)) return false;
-  const uint32_t* lut = ColorBgrx();  // byte 0: the low byte of table 0
-  const uint32_t mask = ColorMask();
-  PcoIndexRows(src, w, h, false, dst, 2, flip, [&](const uint8_t* index, uint8_t* out, uint32_t n) {
-    for (uint32_t i = 0; i < n; ++i) {
-      const uint32_t v = lut[(index[2 * i] | index[2 * i + 1] << 8) & mask] & 0xFF;
-      out[2 * size_t(i)] = uint8_t(v);
-      out[2 * size_t(i) + 1] = 0;
-    }
-  });
+  PcoIndexRows(src, w, h, false, dst, 2, flip, FirstByteWordLook{ColorBgrx(), ColorMask()});  // table 0's low byte
   return true;
 }

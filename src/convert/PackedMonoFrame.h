@@ -125,7 +125,9 @@ void DecodeRows(uint32_t width, uint32_t height, bool flip, const Grouping& g, v
     }
     StageSlots<T>(
         first, end, g.slots,
-        [&](uint64_t group, uint32_t groups, T* staged) { decode(row, group, groups, reinterpret_cast<uint8_t*>(staged)); },
+        [&](uint64_t group, uint32_t groups, T* staged) {
+          decode(row, group, groups, reinterpret_cast<uint8_t*>(staged));
+        },
         [&](uint64_t slot, uint32_t n, const T* staged) { std::memcpy(to + sizeof(T) * slot, staged, sizeof(T) * n); });
   });
 }
@@ -133,14 +135,16 @@ void DecodeRows(uint32_t width, uint32_t height, bool flip, const Grouping& g, v
 // A frame whose rows are staged as values of T, a few hundred at a time, and
 // written by emit(staged, out, n) to `n` slots at `out`: decode as above.
 template <class T, class RowStart, class Decode, class Emit>
-void StageRows(uint32_t height, bool flip, const Grouping& g, const RowSpan& span, void* dst,
-               RowStart&& rowStart, Decode&& decode, Emit&& emit) {
+void StageRows(uint32_t height, bool flip, const Grouping& g, const RowSpan& span, void* dst, RowStart&& rowStart,
+               Decode&& decode, Emit&& emit) {
   ForEachGroupedRow(height, flip, span, [&](uint32_t in, uint32_t out, uint64_t first, uint64_t end) {
     const uint8_t* row = rowStart(in);
     uint8_t* to = RowAt(dst, span.pitchBytes, out);
     StageSlots<T>(
         first, end, g.slots,
-        [&](uint64_t group, uint32_t groups, T* staged) { decode(row, group, groups, reinterpret_cast<uint8_t*>(staged)); },
+        [&](uint64_t group, uint32_t groups, T* staged) {
+          decode(row, group, groups, reinterpret_cast<uint8_t*>(staged));
+        },
         [&](uint64_t slot, uint32_t n, const T* staged) { emit(staged, to + span.slotBytes * slot, n); });
   });
 }

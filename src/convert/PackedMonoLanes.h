@@ -17,10 +17,14 @@ struct PackedRows {
   bool pco;             // MonoPcoPixelPacked: 12-byte groups and their row start
 
   const Grouping& grouping() const { return pco ? kPcoEight : kPairs; }
-  const uint8_t* Row(uint32_t row) const { return pco ? PcoRow(frame, row, width) : PairRow(frame, row, width, packedBits); }
+  const uint8_t* Row(uint32_t row) const {
+    return pco ? PcoRow(frame, row, width) : PairRow(frame, row, width, packedBits);
+  }
 };
 
-inline PackedRows Pairs(const void* frame, uint32_t width, uint32_t packedBits) { return {frame, width, packedBits, false}; }
+inline PackedRows Pairs(const void* frame, uint32_t width, uint32_t packedBits) {
+  return {frame, width, packedBits, false};
+}
 inline PackedRows Pco(const void* frame, uint32_t width) { return {frame, width, 0, true}; }
 
 // The rule of a 10- or 12-bit pair-packed frame; none for other depths,

@@ -9,11 +9,11 @@
 #include "convert/PackedMonoLanes.h"
 #include "platform/OpenMP.h"
 
+using kestrelink::packedmono::ForDepth;
 using kestrelink::packedmono::LanesToBgr;
 using kestrelink::packedmono::LanesToBgrx;
 using kestrelink::packedmono::LanesToMono8;
 using kestrelink::packedmono::LanesToWords;
-using kestrelink::packedmono::ForDepth;
 using kestrelink::packedmono::Pairs;
 using kestrelink::platform::SetBlockTimeZero;
 using kestrelink::rows::LaneRule;
@@ -65,8 +65,8 @@ bool CIppImageConverter::Mono16PixelPackedToMono16MSB(uint32_t w, uint32_t h, ui
 
 // The 8-bit targets of the 8448 layout take the outer bytes, b0 and b2, at
 // any depth; no test of d is made.
-bool CIppImageConverter::Mono16PixelPacked8448ToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d,
-                                                     void* src, void* dst, bool flip) {
+bool CIppImageConverter::Mono16PixelPacked8448ToBGRx(uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, void* src,
+                                                     void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap())
     return m_Engine->Mono16PixelPacked8448ToBGRx(w, h, packedBits, d, src, dst, flip);

@@ -5,6 +5,7 @@
 // 8448 Mono16 target, its 12-bit Mono8 table and 4-byte BGR24 row spacing,
 // the nine PCO indices with their four-bit seventh) included.
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <kestrelink/CIppImageConverter.h>
 
 #include <functional>
@@ -38,7 +39,8 @@ std::string MakeLut(uint32_t bits, uint32_t seed, Lut& lut) {
 enum class Source { Msb, Swap, Pairs, Pco };
 enum class Out { Bgrx, Bgr, Mono8, Mono16 };
 
-using Call = std::function<bool(CIppImageConverter&, uint32_t w, uint32_t h, uint32_t bits, uint32_t d, void*, void*, bool)>;
+using Call =
+    std::function<bool(CIppImageConverter&, uint32_t w, uint32_t h, uint32_t bits, uint32_t d, void*, void*, bool)>;
 // The indices one source row gives, slot by slot; empty for an idle depth.
 using Indices = std::function<std::vector<uint32_t>(const uint8_t* row, uint32_t w, uint32_t d)>;
 
@@ -46,8 +48,8 @@ struct MapCase {
   const char* name;
   Source source;
   Out out;
-  bool rowsAt12Bits = false;  // the source's rows ignore packedBits
-  uint32_t fixedTableBits = 0;  // the table's depth when it is not d
+  bool rowsAt12Bits = false;        // the source's rows ignore packedBits
+  uint32_t fixedTableBits = 0;      // the table's depth when it is not d
   uint32_t pitchBytesPerPixel = 0;  // destination rows, when not the pixel's size
   Call call;
   Indices indices;
@@ -90,13 +92,13 @@ Pair PackedByDepth(const uint8_t* b, uint32_t d) { return d == 12 ? packedtest::
 Pair E8448ByDepth(const uint8_t* b, uint32_t d) { return d == 12 ? packedtest::E8448_12(b) : packedtest::E8448_10(b); }
 bool KnownDepth(uint32_t d) { return d == 10 || d == 12; }
 
-#define WORDS_CALL(method) \
+#define WORDS_CALL(method)                                                                            \
   [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t, uint32_t d, void* s, void* o, bool f) { \
-    return c.method(w, h, d, s, o, f); \
+    return c.method(w, h, d, s, o, f);                                                                \
   }
-#define PACKED_CALL(method) \
+#define PACKED_CALL(method)                                                                                \
   [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t bits, uint32_t d, void* s, void* o, bool f) { \
-    return c.method(w, h, bits, d, s, o, f); \
+    return c.method(w, h, bits, d, s, o, f);                                                               \
   }
 
 const std::vector<MapCase>& Cases() {
@@ -130,7 +132,8 @@ const std::vector<MapCase>& Cases() {
       {"Mono16MSBSwapToMono16", Source::Swap, Out::Mono16, false, 0, 0, WORDS_CALL(Mono16MSBSwapToMono16), msb},
       {"Mono16PixelPackedToBGRx", Source::Pairs, Out::Bgrx, false, 0, 0, PACKED_CALL(Mono16PixelPackedToBGRx), packed},
       {"Mono16PixelPackedToBGR24", Source::Pairs, Out::Bgr, false, 0, 0, PACKED_CALL(Mono16PixelPackedToBGR24), packed},
-      {"Mono16PixelPackedToMono8", Source::Pairs, Out::Mono8, false, 0, 0, PACKED_CALL(Mono16PixelPackedToMono8), packed},
+      {"Mono16PixelPackedToMono8", Source::Pairs, Out::Mono8, false, 0, 0, PACKED_CALL(Mono16PixelPackedToMono8),
+       packed},
       {"Mono16PixelPackedToMono16", Source::Pairs, Out::Mono16, false, 0, 0, PACKED_CALL(Mono16PixelPackedToMono16),
        packed},
       {"Mono16PixelPacked8448ToBGRx", Source::Pairs, Out::Bgrx, false, 0, 0, PACKED_CALL(Mono16PixelPacked8448ToBGRx),
@@ -156,11 +159,15 @@ const std::vector<MapCase>& Cases() {
 std::vector<uint8_t> Output(const MapCase& c, const Lut& lut, uint32_t i) {
   const uint16_t b = lut.t[0][i], g = lut.t[1][i], r = lut.t[2][i];
   switch (c.out) {
-    case Out::Bgrx: return {uint8_t(b), uint8_t(g), uint8_t(r), 0};
-    case Out::Bgr: return {uint8_t(b), uint8_t(g), uint8_t(r)};
-    case Out::Mono8: return {uint8_t(b)};
-    case Out::Mono16: return c.source == Source::Pco ? std::vector<uint8_t>{uint8_t(b), 0}
-                                                     : std::vector<uint8_t>{uint8_t(b), uint8_t(b >> 8)};
+    case Out::Bgrx:
+      return {uint8_t(b), uint8_t(g), uint8_t(r), 0};
+    case Out::Bgr:
+      return {uint8_t(b), uint8_t(g), uint8_t(r)};
+    case Out::Mono8:
+      return {uint8_t(b)};
+    case Out::Mono16:
+      return c.source == Source::Pco ? std::vector<uint8_t>{uint8_t(b), 0}
+                                     : std::vector<uint8_t>{uint8_t(b), uint8_t(b >> 8)};
   }
   return {};
 }
@@ -168,9 +175,12 @@ std::vector<uint8_t> Output(const MapCase& c, const Lut& lut, uint32_t i) {
 std::vector<uint8_t> MakeSource(const MapCase& c, uint32_t w, uint32_t h, uint32_t rowBits, uint32_t seed) {
   switch (c.source) {
     case Source::Msb:
-    case Source::Swap: return testsupport::RandomBytes(2 * size_t(w) * h, seed);
-    case Source::Pairs: return packedtest::PairSource(w, h, rowBits, seed);
-    case Source::Pco: return packedtest::PcoSource(w, h, seed);
+    case Source::Swap:
+      return testsupport::RandomBytes(2 * size_t(w) * h, seed);
+    case Source::Pairs:
+      return packedtest::PairSource(w, h, rowBits, seed);
+    case Source::Pco:
+      return packedtest::PcoSource(w, h, seed);
   }
   return {};
 }
@@ -178,9 +188,12 @@ std::vector<uint8_t> MakeSource(const MapCase& c, uint32_t w, uint32_t h, uint32
 const uint8_t* RowOf(const MapCase& c, const std::vector<uint8_t>& src, uint32_t r, uint32_t w, uint32_t rowBits) {
   switch (c.source) {
     case Source::Msb:
-    case Source::Swap: return &src[2 * size_t(w) * r];
-    case Source::Pairs: return &src[packedtest::PairRowStart(r, w, rowBits)];
-    case Source::Pco: return &src[packedtest::PcoRowStart(r, w)];
+    case Source::Swap:
+      return &src[2 * size_t(w) * r];
+    case Source::Pairs:
+      return &src[packedtest::PairRowStart(r, w, rowBits)];
+    case Source::Pco:
+      return &src[packedtest::PcoRowStart(r, w)];
   }
   return nullptr;
 }
@@ -188,7 +201,9 @@ const uint8_t* RowOf(const MapCase& c, const std::vector<uint8_t>& src, uint32_t
 void Check(const MapCase& c, uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, bool flip) {
   const uint32_t tableBits = c.fixedTableBits ? c.fixedTableBits : d;
   Lut lut;
-  testsupport::TempFile file(std::string("packed-") + c.name + ".txt", MakeLut(tableBits, tableBits + w, lut));
+  // Named by process too: test programs of other builds may run beside this one.
+  testsupport::TempFile file("packed-" + std::to_string(getpid()) + "-" + c.name + ".txt",
+                             MakeLut(tableBits, tableBits + w, lut));
   CIppImageConverter conv;
   conv.SetImageColorMap(true);
   ASSERT_TRUE(conv.LoadLUTFrom(file.path()));

@@ -39,15 +39,21 @@ std::vector<uint8_t> Nine(const std::array<uint32_t, 8>& p, uint32_t shift) {
   return out;
 }
 
-#define PCO_CALL(method) \
-  [](CIppImageConverter& c, uint32_t w, uint32_t h, void* s, void* o, bool f) { return c.method(w, h, 12, 12, s, o, f); }
+#define PCO_CALL(method)                                                        \
+  [](CIppImageConverter& c, uint32_t w, uint32_t h, void* s, void* o, bool f) { \
+    return c.method(w, h, 12, 12, s, o, f);                                     \
+  }
 
 const std::vector<PcoCase>& Cases() {
   static const std::vector<PcoCase> cases = {
-      {"MonoPcoPixelPackedToBGRx", 4, false, PCO_CALL(MonoPcoPixelPackedToBGRx), [](const auto& p) { return Eight(p, 4); }},
-      {"MonoPcoPixelPackedToBGR24", 3, true, PCO_CALL(MonoPcoPixelPackedToBGR24), [](const auto& p) { return Eight(p, 3); }},
-      {"MonoPcoPixelPackedToMono8", 1, true, PCO_CALL(MonoPcoPixelPackedToMono8), [](const auto& p) { return Eight(p, 1); }},
-      {"MonoPcoPixelPackedToMono16", 2, true, PCO_CALL(MonoPcoPixelPackedToMono16), [](const auto& p) { return Nine(p, 0); }},
+      {"MonoPcoPixelPackedToBGRx", 4, false, PCO_CALL(MonoPcoPixelPackedToBGRx),
+       [](const auto& p) { return Eight(p, 4); }},
+      {"MonoPcoPixelPackedToBGR24", 3, true, PCO_CALL(MonoPcoPixelPackedToBGR24),
+       [](const auto& p) { return Eight(p, 3); }},
+      {"MonoPcoPixelPackedToMono8", 1, true, PCO_CALL(MonoPcoPixelPackedToMono8),
+       [](const auto& p) { return Eight(p, 1); }},
+      {"MonoPcoPixelPackedToMono16", 2, true, PCO_CALL(MonoPcoPixelPackedToMono16),
+       [](const auto& p) { return Nine(p, 0); }},
       {"MonoPcoPixelPackedToMono16MSB", 2, true, PCO_CALL(MonoPcoPixelPackedToMono16MSB),
        [](const auto& p) { return Nine(p, 4); }},
   };

@@ -56,9 +56,9 @@ Pair PackedPair(const uint8_t* b, uint32_t d) { return d == 12 ? packedtest::Pac
 Pair E8448Pair(const uint8_t* b, uint32_t d) { return d == 12 ? packedtest::E8448_12(b) : packedtest::E8448_10(b); }
 bool KnownDepth(uint32_t d) { return d == 10 || d == 12; }
 
-#define PAIR_CALL(method) \
+#define PAIR_CALL(method)                                                                                  \
   [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t bits, uint32_t d, void* s, void* o, bool f) { \
-    return c.method(w, h, bits, d, s, o, f); \
+    return c.method(w, h, bits, d, s, o, f);                                                               \
   }
 
 const std::vector<PairCase>& PairCases() {
@@ -74,11 +74,17 @@ const std::vector<PairCase>& PairCases() {
       {"Mono16PixelPackedToMono16MSB", 2, false, PAIR_CALL(Mono16PixelPackedToMono16MSB),
        [](const uint8_t* b, uint32_t d, uint32_t* o) { return KnownDepth(d) && Left(PackedPair(b, d), d, o); }},
       {"Mono16PixelPacked8448ToBGRx", 4, false, PAIR_CALL(Mono16PixelPacked8448ToBGRx),
-       [](const uint8_t* b, uint32_t, uint32_t* o) { return AsIs({b[0], b[2]}, 8, o); }},
+       [](const uint8_t* b, uint32_t, uint32_t* o) {
+         return AsIs({b[0], b[2]}, 8, o);
+       }},
       {"Mono16PixelPacked8448ToBGR24", 3, false, PAIR_CALL(Mono16PixelPacked8448ToBGR24),
-       [](const uint8_t* b, uint32_t, uint32_t* o) { return AsIs({b[0], b[2]}, 8, o); }},
+       [](const uint8_t* b, uint32_t, uint32_t* o) {
+         return AsIs({b[0], b[2]}, 8, o);
+       }},
       {"Mono16PixelPacked8448ToMono8", 1, true, PAIR_CALL(Mono16PixelPacked8448ToMono8),
-       [](const uint8_t* b, uint32_t, uint32_t* o) { return AsIs({b[0], b[2]}, 8, o); }},
+       [](const uint8_t* b, uint32_t, uint32_t* o) {
+         return AsIs({b[0], b[2]}, 8, o);
+       }},
       {"Mono16PixelPacked8448ToMono16", 2, false, PAIR_CALL(Mono16PixelPacked8448ToMono16),
        [](const uint8_t* b, uint32_t d, uint32_t* o) { return KnownDepth(d) && AsIs(E8448Pair(b, d), d, o); }},
       {"Mono16PixelPacked8448ToMono16MSB", 2, false, PAIR_CALL(Mono16PixelPacked8448ToMono16MSB),
@@ -202,10 +208,14 @@ struct WordCase {
   std::function<uint32_t(uint32_t s, uint32_t d)> value;
 };
 
-#define WORD_CALL(method) \
-  [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t d, void* s, void* o, bool f) { return c.method(w, h, d, s, o, f); }
-#define WORD_CALL_NO_DEPTH(method) \
-  [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t, void* s, void* o, bool f) { return c.method(w, h, s, o, f); }
+#define WORD_CALL(method)                                                                   \
+  [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t d, void* s, void* o, bool f) { \
+    return c.method(w, h, d, s, o, f);                                                      \
+  }
+#define WORD_CALL_NO_DEPTH(method)                                                        \
+  [](CIppImageConverter& c, uint32_t w, uint32_t h, uint32_t, void* s, void* o, bool f) { \
+    return c.method(w, h, s, o, f);                                                       \
+  }
 
 // A swapped word's sample: ((s & 255) << (d - 8)) | (s >> (24 - d)).
 uint32_t SwappedSample(uint32_t s, uint32_t d) { return (((s & 255) << (d - 8)) | (s >> (24 - d))) & 0xFFFF; }
@@ -241,12 +251,14 @@ TEST(PackedMonoPlain, MsbAndSwappedWordsEveryVariantDepthAndWidth) {
             const size_t size = size_t(w) * h * c.dstBytes + 16;
             std::vector<uint8_t> dst(size, 0xA5);
             ASSERT_TRUE(c.call(conv, w, h, d, const_cast<uint8_t*>(src.data()), dst.data(), flip));
-            const auto want = packedtest::RowsWrittenInOrder(size, 0xA5, h, flip, size_t(w) * c.dstBytes, [&](uint32_t r) {
-              std::vector<uint8_t> row;
-              for (uint32_t x = 0; x < w; ++x)
-                for (uint8_t b : Grey(c.value(testsupport::Word(src, size_t(r) * w + x), d), c.dstBytes)) row.push_back(b);
-              return row;
-            });
+            const auto want =
+                packedtest::RowsWrittenInOrder(size, 0xA5, h, flip, size_t(w) * c.dstBytes, [&](uint32_t r) {
+                  std::vector<uint8_t> row;
+                  for (uint32_t x = 0; x < w; ++x)
+                    for (uint8_t b : Grey(c.value(testsupport::Word(src, size_t(r) * w + x), d), c.dstBytes))
+                      row.push_back(b);
+                  return row;
+                });
             ASSERT_EQ(dst, want) << c.name << " w=" << w << " d=" << d << " flip=" << flip;
           }
   }

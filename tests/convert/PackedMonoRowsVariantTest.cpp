@@ -93,28 +93,23 @@ TEST(PackedMonoRowsVariants, MatchThePortableRowsAndReadOnlyTheirGroups) {
         const size_t srcBytes = (r.rule == &kestrelink::rows::kPcoToMono8 ? (pixels + 7) / 8 * 8 : pixels) * 3 / 2;
         const uint32_t n = r.rule == &kestrelink::rows::kPcoToMono8 ? uint32_t(srcBytes / 12 * 8) : pixels;
         const std::string what = std::string(r.name) + " pixels=" + std::to_string(n);
-        Compare(flush, "lanes_to_words " + what, srcBytes, 2 * size_t(n), pixels, [&](bool p, const uint8_t* s, uint8_t* d) {
-          pick(p).lanes_to_words(s, d, n, *r.rule);
-        });
-        Compare(flush, "lanes_to_bytes " + what, srcBytes, n, pixels, [&](bool p, const uint8_t* s, uint8_t* d) {
-          pick(p).lanes_to_bytes(s, d, n, *r.rule);
-        });
+        Compare(flush, "lanes_to_words " + what, srcBytes, 2 * size_t(n), pixels,
+                [&](bool p, const uint8_t* s, uint8_t* d) { pick(p).lanes_to_words(s, d, n, *r.rule); });
+        Compare(flush, "lanes_to_bytes " + what, srcBytes, n, pixels,
+                [&](bool p, const uint8_t* s, uint8_t* d) { pick(p).lanes_to_bytes(s, d, n, *r.rule); });
       }
     for (uint32_t groups = 0; groups <= 40; ++groups)
       for (uint32_t shift : {0u, 4u})
         Compare(flush, "pco_nine_slots groups=" + std::to_string(groups) + " shift=" + std::to_string(shift),
-                12 * size_t(groups), 18 * size_t(groups), groups, [&](bool p, const uint8_t* s, uint8_t* d) {
-                  pick(p).pco_nine_slots(s, d, groups, shift);
-                });
+                12 * size_t(groups), 18 * size_t(groups), groups,
+                [&](bool p, const uint8_t* s, uint8_t* d) { pick(p).pco_nine_slots(s, d, groups, shift); });
     for (uint32_t w = 0; w <= 100; ++w)
       for (uint32_t shift : {0u, 2u, 4u, 6u, 8u, 15u, 16u, 31u, 0xFFFFFFF0u}) {
         const std::string what = " w=" + std::to_string(w) + " shift=" + std::to_string(shift);
-        Compare(flush, "rshift16" + what, 2 * size_t(w), 2 * size_t(w), w, [&](bool p, const uint8_t* s, uint8_t* d) {
-          pick(p).rshift16(s, d, w, shift);
-        });
-        Compare(flush, "swap_rshift16" + what, 2 * size_t(w), 2 * size_t(w), w, [&](bool p, const uint8_t* s, uint8_t* d) {
-          pick(p).swap_rshift16(s, d, w, shift);
-        });
+        Compare(flush, "rshift16" + what, 2 * size_t(w), 2 * size_t(w), w,
+                [&](bool p, const uint8_t* s, uint8_t* d) { pick(p).rshift16(s, d, w, shift); });
+        Compare(flush, "swap_rshift16" + what, 2 * size_t(w), 2 * size_t(w), w,
+                [&](bool p, const uint8_t* s, uint8_t* d) { pick(p).swap_rshift16(s, d, w, shift); });
       }
   }
 }

@@ -46,7 +46,9 @@ inline std::array<uint32_t, 8> PcoPixels(const uint8_t* c) {
 }
 
 // Byte offsets of row r in a source frame.
-inline uint64_t PairRowStart(uint32_t r, uint32_t w, uint32_t packedBits) { return (uint64_t(r) * w * packedBits) >> 3; }
+inline uint64_t PairRowStart(uint32_t r, uint32_t w, uint32_t packedBits) {
+  return (uint64_t(r) * w * packedBits) >> 3;
+}
 inline uint64_t PcoRowStart(uint32_t r, uint32_t w) { return ((uint64_t(r) * w * 3) >> 3) * 4; }
 
 // A random source exactly as long as its last row's groups reach.

@@ -92,9 +92,9 @@ extern const PackedMonoRowKernels kPackedMonoRowsAVX2;
 extern const PackedMonoRowKernels kPackedMonoRowsAVX512;
 
 inline const PackedMonoRowKernels& PackedMonoRows() {
-  static const PackedMonoRowKernels* const slots[kVariantCount] = {
-      &kPackedMonoRowsPortable, &kPackedMonoRowsSSE2, &kPackedMonoRowsSSSE3, &kPackedMonoRowsAVX2,
-      &kPackedMonoRowsAVX512};
+  static const PackedMonoRowKernels* const slots[kVariantCount] = {&kPackedMonoRowsPortable, &kPackedMonoRowsSSE2,
+                                                                   &kPackedMonoRowsSSSE3, &kPackedMonoRowsAVX2,
+                                                                   &kPackedMonoRowsAVX512};
   return PickVariant(slots);
 }
 

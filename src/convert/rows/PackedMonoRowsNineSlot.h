@@ -15,15 +15,15 @@
 
 namespace kestrelink::rows::nineslot {
 
-inline constexpr uint32_t kGroups = 8;       // groups a period covers
-inline constexpr uint32_t kBytes = 96;       // source bytes of a period
-inline constexpr uint32_t kWindows = 9;      // eight-slot windows of a period
+inline constexpr uint32_t kGroups = 8;   // groups a period covers
+inline constexpr uint32_t kBytes = 96;   // source bytes of a period
+inline constexpr uint32_t kWindows = 9;  // eight-slot windows of a period
 
 struct Window {
-  uint8_t base;                // first source byte the window loads, in the period
-  uint8_t shuffle[16];         // per slot, low byte then high byte, from the base
-  uint16_t shiftedMask[8];     // applied to x >> 4
-  uint16_t plainMask[8];       // applied to x
+  uint8_t base;             // first source byte the window loads, in the period
+  uint8_t shuffle[16];      // per slot, low byte then high byte, from the base
+  uint16_t shiftedMask[8];  // applied to x >> 4
+  uint16_t plainMask[8];    // applied to x
 };
 
 struct Period {

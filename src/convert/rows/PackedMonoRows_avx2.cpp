@@ -100,8 +100,8 @@ void LanesToBytes(const uint8_t* src, uint8_t* dst, uint32_t pixels, const LaneR
 inline __m256i NineWindows(const uint8_t* src, const nineslot::Window& w0, const nineslot::Window& w1) {
   const __m256i bytes = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(src + w1.base),
                                             reinterpret_cast<const __m128i*>(src + w0.base));
-  const __m256i shuffle = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(w1.shuffle),
-                                              reinterpret_cast<const __m128i*>(w0.shuffle));
+  const __m256i shuffle =
+      _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(w1.shuffle), reinterpret_cast<const __m128i*>(w0.shuffle));
   const __m256i shiftedMask = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(w1.shiftedMask),
                                                   reinterpret_cast<const __m128i*>(w0.shiftedMask));
   const __m256i plainMask = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(w1.plainMask),
@@ -118,7 +118,8 @@ inline void NinePeriod(const uint8_t* src, uint8_t* dst, __m128i count) {
   const nineslot::Window& last = w[8];
   const __m128i x = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + last.base)),
                                      _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.shuffle)));
-  const __m128i shifted = _mm_and_si128(_mm_srli_epi16(x, 4), _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.shiftedMask)));
+  const __m128i shifted =
+      _mm_and_si128(_mm_srli_epi16(x, 4), _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.shiftedMask)));
   const __m128i plain = _mm_and_si128(x, _mm_loadu_si128(reinterpret_cast<const __m128i*>(last.plainMask)));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + 128), _mm_sll_epi16(_mm_or_si128(shifted, plain), count));
 }

@@ -162,8 +162,8 @@ inline void NinePeriod(const uint8_t* src, uint8_t* dst, const NineVectors& v) {
   const nineslot::Window* w = nineslot::kPeriod.window;
   for (int half = 0; half < 2; ++half) {
     const nineslot::Window* q = w + 4 * half;
-    const __m512i x = _mm512_shuffle_epi8(Lanes(src + q[0].base, src + q[1].base, src + q[2].base, src + q[3].base),
-                                          v.shuffle[half]);
+    const __m512i x =
+        _mm512_shuffle_epi8(Lanes(src + q[0].base, src + q[1].base, src + q[2].base, src + q[3].base), v.shuffle[half]);
     const __m512i slots = _mm512_or_si512(_mm512_and_si512(_mm512_srli_epi16(x, 4), v.shiftedMask[half]),
                                           _mm512_and_si512(x, v.plainMask[half]));
     _mm512_storeu_si512(dst + 64 * half, _mm512_sll_epi16(slots, v.count));

@@ -46,8 +46,7 @@ LaneVectors Vectors(const LaneRule& r) {
   }
   return {_mm_load_si128(reinterpret_cast<const __m128i*>(shuffle)),
           _mm_set1_epi32(int(r.maskA[0] | uint32_t(r.maskA[1]) << 16)),
-          _mm_set1_epi32(int(r.maskB[0] | uint32_t(r.maskB[1]) << 16)), _mm_cvtsi32_si128(r.a),
-          _mm_cvtsi32_si128(r.b)};
+          _mm_set1_epi32(int(r.maskB[0] | uint32_t(r.maskB[1]) << 16)), _mm_cvtsi32_si128(r.a), _mm_cvtsi32_si128(r.b)};
 }
 
 template <bool left>
@@ -101,15 +100,15 @@ __attribute__((target("ssse3"))) inline void NinePeriod(const uint8_t* src, uint
   for (const nineslot::Window& w : nineslot::kPeriod.window) {
     const __m128i x = _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + w.base)),
                                        _mm_loadu_si128(reinterpret_cast<const __m128i*>(w.shuffle)));
-    const __m128i shifted = _mm_and_si128(_mm_srli_epi16(x, 4), _mm_loadu_si128(reinterpret_cast<const __m128i*>(w.shiftedMask)));
+    const __m128i shifted =
+        _mm_and_si128(_mm_srli_epi16(x, 4), _mm_loadu_si128(reinterpret_cast<const __m128i*>(w.shiftedMask)));
     const __m128i plain = _mm_and_si128(x, _mm_loadu_si128(reinterpret_cast<const __m128i*>(w.plainMask)));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(dst), _mm_sll_epi16(_mm_or_si128(shifted, plain), count));
     dst += 16;
   }
 }
 
-__attribute__((target("ssse3"))) void PcoNineSlots(const uint8_t* src, uint8_t* dst, uint32_t groups,
-                                                   uint32_t shift) {
+__attribute__((target("ssse3"))) void PcoNineSlots(const uint8_t* src, uint8_t* dst, uint32_t groups, uint32_t shift) {
   using namespace nineslot;
   const __m128i count = _mm_cvtsi32_si128(int(shift));
   const uint64_t bytes = 12 * uint64_t(groups);

@@ -67,6 +67,15 @@ Status H264VideoDecoder::GetInfo(BaseCodecParams* params) {
 Status H264VideoDecoder::Deliver(VideoData& out) {
   const Status status = m_engine.Receive(m_picture);
   if (status != UMC_OK) return status;
+  if (out.GetWidth() != m_picture.GetWidth() || out.GetHeight() != m_picture.GetHeight()) {
+    // The stream changed its size: the output keeps its format and buffer, and takes the new size if it fits.
+    uint8_t* buffer = out.GetBufferPointer();
+    const size_t capacity = out.GetBufferSize();
+    const Status sized = out.Init(m_picture.GetWidth(), m_picture.GetHeight(), out.GetColorFormat(), 0);
+    if (sized != UMC_OK) return sized;
+    const Status laid = out.SetBufferPointer(buffer, capacity);
+    if (laid != UMC_OK) return laid;
+  }
   return m_postProcessing->GetFrame(&m_picture, &out);
 }
 

@@ -262,6 +262,33 @@ status=0
 "$tool" >/dev/null 2>&1 || status=$?
 [[ $status == 2 ]] || fail "no arguments: exit $status, want 2"
 
+# --- h264 round trip ------------------------------------------------------
+# Five 64x48 planar 4:2:0 frames: a ramp that moves a pixel a frame, flat chroma.
+python3 - "$work/in.yuv" <<'PYTHON'
+import sys
+w, h = 64, 48
+with open(sys.argv[1], "wb") as f:
+    for t in range(5):
+        f.write(bytes(16 + (x * 3 + y + t) % 200 for y in range(h) for x in range(w)))
+        f.write(bytes([110]) * (w * h // 4) + bytes([140]) * (w * h // 4))
+PYTHON
+"$tool" h264 encode --size 64x48 --gop 4 "$work/in.yuv" "$work/clip.records" >"$work/h264.txt" ||
+  fail "h264 encode exited non-zero"
+grep -q "^5 frames" "$work/h264.txt" || fail "h264 encode did not report 5 frames: $(cat "$work/h264.txt")"
+# The first record is a key frame: GOP field 4, count 0, a start code and a sequence parameter set.
+[[ $(hex_at "$work/clip.records" 4 9) == "04 00 00 00 00 00 00 01 67" ]] ||
+  fail "h264 encode: first record header $(hex_at "$work/clip.records" 0 13)"
+"$tool" h264 decode --size 64x48 "$work/clip.records" "$work/frames" >/dev/null || fail "h264 decode into a folder"
+for n in 1 5; do expect_png "$work/frames/frame-0000$n.png" 64 48 8 2; done
+"$tool" h264 decode --size 64x48 "$work/clip.records" "$work/clip.bgr" >/dev/null || fail "h264 decode into .bgr"
+[[ $(stat -c %s "$work/clip.bgr") == $((5 * 64 * 48 * 3)) ]] || fail "h264 decode: .bgr holds $(stat -c %s "$work/clip.bgr") bytes"
+status=0
+"$tool" h264 decode "$work/clip.records" "$work/frames" >/dev/null 2>&1 || status=$?
+[[ $status == 2 ]] || fail "h264 decode without --size: exit $status, want 2"
+status=0
+"$tool" h264 encode --size 64x48 "$work/in16.raw" "$work/x.records" >/dev/null 2>&1 || status=$?
+[[ $status == 1 ]] || fail "h264 encode of a partial frame: exit $status, want 1"
+
 if ((failures)); then
   echo "$failures check(s) failed" >&2
   exit 1

@@ -9,6 +9,7 @@ constexpr Verb kVerbs[] = {
     {"convert", "convert one raw frame file to another layout (raw bytes or PNG)", RunConvert, PrintConvertUsage},
     {"demo", "write example conversions of a built-in synthetic camera frame as PNG files", RunDemo,
      PrintDemoUsage},
+    {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
 };
 

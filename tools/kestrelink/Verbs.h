@@ -1,5 +1,6 @@
 #pragma once
 // The tool's verbs: each takes the words after its name and answers an exit status.
+#include <cstdint>
 #include <ostream>
 #include <span>
 #include <string_view>
@@ -24,6 +25,10 @@ int RunConvert(std::span<const std::string_view> args);
 void PrintConvertUsage(std::ostream& out);
 int RunDemo(std::span<const std::string_view> args);
 void PrintDemoUsage(std::ostream& out);
+int RunH264(std::span<const std::string_view> args);
+void PrintH264Usage(std::ostream& out);
+// Encodes the synthetic sequence and decodes it back, printing size, bit rate and PSNR.
+void RunH264Demo(uint32_t width, uint32_t height, uint32_t frames);
 int RunHelp(std::span<const std::string_view> args);
 void PrintHelpUsage(std::ostream& out);
 

@@ -57,6 +57,13 @@ TEST(ColourRowsVariants, CopyRowsMatchThePortableRows) {
         Compare("bytes3_to_4" + order + " shift " + std::to_string(shift), 3, 4, call(ref.bytes3_to_4),
                 call(k.bytes3_to_4));
       }
+      for (uint32_t shift : {0u, 2u, 4u, 8u, 15u, 16u, 31u}) {
+        auto call = [o, shift](auto row) { return [=](const uint8_t* s, uint8_t* d, uint32_t w) { row(s, d, w, o, shift); }; };
+        Compare("words3_to_bytes3of4" + order + " shift " + std::to_string(shift), 6, 4,
+                call(ref.words3_to_bytes3of4), call(k.words3_to_bytes3of4));
+        Compare("words3_to_bytes3" + order + " shift " + std::to_string(shift), 6, 3, call(ref.words3_to_bytes3),
+                call(k.words3_to_bytes3));
+      }
       auto call = [o](auto row) { return [=](const uint8_t* s, uint8_t* d, uint32_t w) { row(s, d, w, o); }; };
       Compare("reorder3x8" + order, 3, 3, call(ref.reorder3x8), call(k.reorder3x8));
       Compare("reorder3x16" + order, 6, 6, call(ref.reorder3x16), call(k.reorder3x16));
@@ -67,6 +74,8 @@ TEST(ColourRowsVariants, CopyRowsMatchThePortableRows) {
       auto call = [shift](auto row) { return [=](const uint8_t* s, uint8_t* d, uint32_t w) { row(s, d, w, shift); }; };
       Compare("words4_to_bytes3of4 shift " + std::to_string(shift), 8, 4, call(ref.words4_to_bytes3of4),
               call(k.words4_to_bytes3of4));
+      Compare("words4_to_bytes3 shift " + std::to_string(shift), 8, 3, call(ref.words4_to_bytes3),
+              call(k.words4_to_bytes3));
     }
     // Planes live one after another in one buffer, w bytes each.
     auto split = [](auto row) {

@@ -29,12 +29,20 @@ struct CopyRowKernels {
   // and of three little-endian 16-bit words.
   void (*reorder3x8)(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order);
   void (*reorder3x16)(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order);
+  // Three 16-bit words a pixel, each shifted right by `shift` (16 or more
+  // gives 0) and truncated to a byte, byte i from word order.c[i]: into the
+  // first three bytes of four-byte pixels, whose fourth byte stays as it
+  // was, and into three-byte pixels.
+  void (*words3_to_bytes3of4)(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift);
+  void (*words3_to_bytes3)(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift);
   // The first three 16-bit words of each four-word pixel.
   void (*words4_to_3)(const uint8_t* src, uint8_t* dst, uint32_t w);
   // The first three words of each four-word pixel shifted right by `shift`
   // (16 or more gives 0) and truncated to bytes, into the first three bytes
   // of four-byte pixels; the fourth byte stays as it was.
   void (*words4_to_bytes3of4)(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift);
+  // The same into three-byte pixels.
+  void (*words4_to_bytes3)(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift);
 };
 
 extern const CopyRowKernels kCopyRowsPortable;
@@ -54,7 +62,10 @@ void Split3Portable(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, u
 void Merge3Portable(const uint8_t* s0, const uint8_t* s1, const uint8_t* s2, uint8_t* dst, uint32_t w);
 void Reorder3x8Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order);
 void Reorder3x16Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order);
+void Words3ToBytes3Of4Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift);
+void Words3ToBytes3Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift);
 void Words4To3Portable(const uint8_t* src, uint8_t* dst, uint32_t w);
 void Words4ToBytes3Of4Portable(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift);
+void Words4ToBytes3Portable(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift);
 
 }  // namespace kestrelink::rows

@@ -73,34 +73,235 @@ __m512i Spread3To4Shuffle(ChannelOrder order) {
   return Broadcast128(_mm_load_si128(reinterpret_cast<const __m128i*>(m)));
 }
 
-void Bytes3To4(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
-  const __m512i spread = _mm512_setr_epi32(0, 1, 2, 0, 3, 4, 5, 0, 6, 7, 8, 0, 9, 10, 11, 0);
-  const __m512i shuffle = Spread3To4Shuffle(order);
-  const __m128i count = _mm_cvtsi32_si128(int(shift));
-  const __m512i keep = _mm512_set1_epi8(char(shift < 8 ? 0xFFu >> shift : 0u));
-  constexpr __mmask64 kFourth = 0x8888888888888888ull;
-  uint32_t x = 0;
-  for (; w - x >= 22; x += 16) {  // the load reads 64 bytes, 48 of them these sixteen pixels
-    __m512i v = _mm512_and_si512(_mm512_srl_epi16(Load(src + 3 * size_t(x)), count), keep);
-    v = _mm512_shuffle_epi8(_mm512_permutexvar_epi32(spread, v), shuffle);
-    uint8_t* out = dst + 4 * size_t(x);
-    Store(out, _mm512_mask_blend_epi8(kFourth, v, Load(out)));
+// Sources of sixteen three-byte pixels (48 bytes in the low part of a
+// vector) from pixel x on; `room` is the pixels a step needs left in the row.
+struct Bytes48 {  // the load reads 64 bytes, 48 of them these sixteen pixels
+  static constexpr uint32_t room = 22;
+  __m512i operator()(uint32_t x) const { return Load(src + 3 * size_t(x)); }
+  void Group(uint32_t x, __m512i in[3]) const {  // sixty-four pixels, 192 bytes
+    for (int i = 0; i < 3; ++i) in[i] = Load(src + 3 * size_t(x) + 64 * i);
   }
+  const uint8_t* src;
+};
+struct ShiftedBytes48 {  // each byte shifted right; 8 or more gives 0
+  static constexpr uint32_t room = 22;
+  ShiftedBytes48(const uint8_t* src, uint32_t shift)
+      : src(src), count(_mm_cvtsi32_si128(int(shift))), keep(_mm512_set1_epi8(char(shift < 8 ? 0xFFu >> shift : 0u))) {}
+  __m512i Shift(__m512i v) const { return _mm512_and_si512(_mm512_srl_epi16(v, count), keep); }
+  __m512i operator()(uint32_t x) const { return Shift(Load(src + 3 * size_t(x))); }
+  void Group(uint32_t x, __m512i in[3]) const {
+    for (int i = 0; i < 3; ++i) in[i] = Shift(Load(src + 3 * size_t(x) + 64 * i));
+  }
+  const uint8_t* src;
+  __m128i count;
+  __m512i keep;
+};
+struct NarrowedWords48 {  // 48 words shifted right and cut to bytes
+  static constexpr uint32_t room = 16;
+  NarrowedWords48(const uint8_t* src, uint32_t shift) : src(src), count(_mm_cvtsi32_si128(int(shift))) {}
+  __m512i operator()(uint32_t x) const {
+    const uint8_t* p = src + 6 * size_t(x);
+    const __m256i lo = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p), count));
+    const __m128i hi = _mm256_cvtepi16_epi8(
+        _mm256_srl_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 64)), count));
+    return _mm512_inserti32x4(_mm512_castsi256_si512(lo), hi, 2);
+  }
+  void Group(uint32_t x, __m512i in[3]) const {  // 192 words, 384 bytes
+    const uint8_t* p = src + 6 * size_t(x);
+    for (int i = 0; i < 3; ++i) {
+      const __m256i lo = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 128 * i), count));
+      const __m256i hi = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 128 * i + 64), count));
+      in[i] = _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
+    }
+  }
+  const uint8_t* src;
+  __m128i count;
+};
+
+// Sixty-four pixels a step (192 source bytes in three vectors that sit where
+// the row's own 64-byte blocks do), then sixteen; the fourth byte of each
+// destination pixel is kept. Answers the first pixel left for the portable row.
+template <class Source>
+uint32_t Spread3To4(const Source& source, uint8_t* dst, uint32_t w, ChannelOrder order) {
+  // Twelve-byte groups 4j .. 4j+3 into the lanes of output j, from the pair
+  // of source vectors (0, 1) or (1, 2) that holds them.
+  const __m512i groups[4] = {_mm512_setr_epi32(0, 1, 2, 0, 3, 4, 5, 0, 6, 7, 8, 0, 9, 10, 11, 0),
+                             _mm512_setr_epi32(12, 13, 14, 0, 15, 16, 17, 0, 18, 19, 20, 0, 21, 22, 23, 0),
+                             _mm512_setr_epi32(8, 9, 10, 0, 11, 12, 13, 0, 14, 15, 16, 0, 17, 18, 19, 0),
+                             _mm512_setr_epi32(20, 21, 22, 0, 23, 24, 25, 0, 26, 27, 28, 0, 29, 30, 31, 0)};
+  const __m512i shuffle = Spread3To4Shuffle(order);
+  constexpr __mmask64 kFourth = 0x8888888888888888ull;
+  auto put = [&](uint8_t* out, __m512i spread) {
+    Store(out, _mm512_mask_blend_epi8(kFourth, _mm512_shuffle_epi8(spread, shuffle), Load(out)));
+  };
+  uint32_t x = 0;
+  for (; w - x >= 64; x += 64) {
+    __m512i in[3];
+    source.Group(x, in);
+    uint8_t* out = dst + 4 * size_t(x);
+    put(out, _mm512_permutex2var_epi32(in[0], groups[0], in[1]));
+    put(out + 64, _mm512_permutex2var_epi32(in[0], groups[1], in[1]));
+    put(out + 128, _mm512_permutex2var_epi32(in[1], groups[2], in[2]));
+    put(out + 192, _mm512_permutex2var_epi32(in[1], groups[3], in[2]));
+  }
+  for (; w - x >= Source::room; x += 16) put(dst + 4 * size_t(x), _mm512_permutexvar_epi32(groups[0], source(x)));
+  return x;
+}
+
+void Bytes3To4(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  const uint32_t x = shift == 0 ? Spread3To4(Bytes48{src}, dst, w, order)
+                                : Spread3To4(ShiftedBytes48(src, shift), dst, w, order);
   Bytes3To4Portable(src + 3 * size_t(x), dst + 4 * size_t(x), w - x, order, shift);
 }
 
-void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
+void Words3ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  const uint32_t x = Spread3To4(NarrowedWords48(src, shift), dst, w, order);
+  Words3ToBytes3Of4Portable(src + 6 * size_t(x), dst + 4 * size_t(x), w - x, order, shift);
+}
+
+bool Reversed(ChannelOrder order) { return order.c[0] == 2 && order.c[1] == 1 && order.c[2] == 0; }
+
+// Bytes of channel `ch` in a vector that starts `phase` bytes into a pixel
+// of three `bytes`-byte channels.
+constexpr __mmask64 ChannelBytes(uint32_t bytes, uint32_t phase, uint32_t ch) {
+  __mmask64 m = 0;
+  for (uint32_t k = 0; k < 64; ++k)
+    if ((k + phase) / bytes % 3 == ch) m |= __mmask64(1) << k;
+  return m;
+}
+
+// Byte k + s, and byte k - s, of the stream that runs p, c, n, for each byte
+// k of c: lanes moved across from the neighbours, then aligned within lanes.
+template <int s>
+inline __m512i Ahead(__m512i c, __m512i n) {
+  return _mm512_alignr_epi8(_mm512_alignr_epi64(n, c, 2), c, s);
+}
+template <int s>
+inline __m512i Behind(__m512i p, __m512i c) {
+  return _mm512_alignr_epi8(c, _mm512_alignr_epi64(c, p, 6), 16 - s);
+}
+
+// Channels 0 and 2 exchanged in a stream of three-channel pixels of `bytes`
+// bytes a channel: byte k of channel 0 takes byte k + 2 * bytes, of channel 2
+// byte k - 2 * bytes. `next(at)` gives the 64 stream bytes from byte `at`;
+// every load lies inside the row. Answers the first pixel not done.
+template <uint32_t bytes, class Next>
+uint32_t ReverseStream(const Next& next, uint8_t* dst, uint32_t w) {
+  constexpr uint32_t pixel = 3 * bytes;
+  constexpr int s = 2 * bytes;
+  constexpr __mmask64 first[3] = {ChannelBytes(bytes, 0, 0), ChannelBytes(bytes, 64 % pixel, 0),
+                                  ChannelBytes(bytes, 128 % pixel, 0)};
+  constexpr __mmask64 last[3] = {ChannelBytes(bytes, 0, 2), ChannelBytes(bytes, 64 % pixel, 2),
+                                 ChannelBytes(bytes, 128 % pixel, 2)};
+  const size_t rowBytes = size_t(w) * pixel;
+  if (rowBytes < 128) return 0;
+  __m512i p = _mm512_setzero_si512(), c = next(0);  // the first vector's channel 2 starts past its own bytes
+  size_t at = 0;
+  for (int phase = 0; at + 128 <= rowBytes; at += 64, phase = phase == 2 ? 0 : phase + 1) {
+    const __m512i n = next(at + 64);
+    const __m512i v = _mm512_mask_blend_epi8(first[phase], c, Ahead<s>(c, n));
+    Store(dst + at, _mm512_mask_blend_epi8(last[phase], v, Behind<s>(p, c)));
+    p = c;
+    c = n;
+  }
+  return uint32_t(at / pixel);  // a pixel cut by the last vector is done again whole
+}
+
+struct StreamBytes {
+  __m512i operator()(size_t at) const { return Load(src + at); }
+  const uint8_t* src;
+};
+struct StreamNarrowedWords {  // 64 words shifted right and cut to bytes
+  StreamNarrowedWords(const uint8_t* src, uint32_t shift) : src(src), count(_mm_cvtsi32_si128(int(shift))) {}
+  __m512i operator()(size_t at) const {
+    const uint8_t* p = src + 2 * at;
+    const __m256i lo = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p), count));
+    const __m256i hi = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 64), count));
+    return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
+  }
+  const uint8_t* src;
+  __m128i count;
+};
+
+// Every word narrowed in its place, 64 a step; answers the first pixel not done.
+template <class Next>
+uint32_t CopyStream(const Next& next, uint8_t* dst, uint32_t w) {
+  const size_t rowBytes = 3 * size_t(w);
+  size_t at = 0;
+  for (; at + 64 <= rowBytes; at += 64) Store(dst + at, next(at));
+  return uint32_t(at / 3);
+}
+
+bool Same(ChannelOrder order) { return order.c[0] == 0 && order.c[1] == 1 && order.c[2] == 2; }
+
+void Words3ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  const StreamNarrowedWords next(src, shift);
+  const uint32_t x = Reversed(order) ? ReverseStream<1>(next, dst, w) : Same(order) ? CopyStream(next, dst, w) : 0;
+  Words3ToBytes3Portable(src + 6 * size_t(x), dst + 3 * size_t(x), w - x, order, shift);
+}
+
+// Sources of four-byte pixels for Compact4To3: sixteen from pixel x on, and
+// sixty-four as four vectors.
+struct Pixels4 {
+  __m512i operator()(uint32_t x) const { return Load(src + 4 * size_t(x)); }
+  void Group(uint32_t x, __m512i in[4]) const {
+    for (int i = 0; i < 4; ++i) in[i] = Load(src + 4 * size_t(x) + 64 * i);
+  }
+  const uint8_t* src;
+};
+struct NarrowedPixels4 {  // four 16-bit words a pixel, shifted right and cut to bytes
+  NarrowedPixels4(const uint8_t* src, uint32_t shift) : src(src), count(_mm_cvtsi32_si128(int(shift))) {}
+  __m512i operator()(uint32_t x) const {
+    const uint8_t* p = src + 8 * size_t(x);
+    const __m256i lo = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p), count));
+    const __m256i hi = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 64), count));
+    return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
+  }
+  void Group(uint32_t x, __m512i in[4]) const {
+    for (int i = 0; i < 4; ++i) in[i] = (*this)(x + 16 * i);
+  }
+  const uint8_t* src;
+  __m128i count;
+};
+
+// The first three bytes of four-byte pixels: sixty-four a step, four vectors
+// to three whole stores, then sixteen. Answers the first pixel left over.
+template <class Source>
+uint32_t Compact4To3(const Source& source, uint8_t* dst, uint32_t w) {
   const __m512i shuffle = Broadcast128(
       _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128));
-  const __m512i pack = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
+  // After the shuffle each lane holds three dwords of output; these gather
+  // the output's dwords 0-15, 16-31 and 32-47 from pairs of inputs.
+  const __m512i pack[3] = {_mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20),
+                           _mm512_setr_epi32(5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25),
+                           _mm512_setr_epi32(10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25, 26, 28, 29, 30)};
   uint32_t x = 0;
-  for (; x + 16 <= w; x += 16) {
-    const __m512i v = _mm512_permutexvar_epi32(pack, _mm512_shuffle_epi8(Load(src + 4 * size_t(x)), shuffle));
+  for (; w - x >= 64; x += 64) {
+    __m512i in[4];
+    source.Group(x, in);
+    for (auto& v : in) v = _mm512_shuffle_epi8(v, shuffle);
+    uint8_t* out = dst + 3 * size_t(x);
+    Store(out, _mm512_permutex2var_epi32(in[0], pack[0], in[1]));
+    Store(out + 64, _mm512_permutex2var_epi32(in[1], pack[1], in[2]));
+    Store(out + 128, _mm512_permutex2var_epi32(in[2], pack[2], in[3]));
+  }
+  for (; w - x >= 16; x += 16) {
+    const __m512i v = _mm512_permutexvar_epi32(pack[0], _mm512_shuffle_epi8(source(x), shuffle));
     uint8_t* out = dst + 3 * size_t(x);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(v, 2));
   }
+  return x;
+}
+
+void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
+  const uint32_t x = Compact4To3(Pixels4{src}, dst, w);
   Bytes4To3Portable(src + 4 * size_t(x), dst + 3 * size_t(x), w - x);
+}
+
+void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
+  const uint32_t x = Compact4To3(NarrowedPixels4(src, shift), dst, w);
+  Words4ToBytes3Portable(src + 8 * size_t(x), dst + 3 * size_t(x), w - x, shift);
 }
 
 // Sixty-four pixels: 192 bytes in twelve 16-byte parts c0..c11; lane l of
@@ -145,7 +346,7 @@ void Merge3(const uint8_t* s0, const uint8_t* s1, const uint8_t* s2, uint8_t* ds
   Merge3Portable(s0 + x, s1 + x, s2 + x, dst + 3 * size_t(x), w - x);
 }
 
-// Channels reordered by blending loads displaced by each channel's move:
+// Any other order: blends of loads displaced by each channel's move;
 // byte k of a vector that starts on a pixel is channel (k / bytes) % 3.
 template <uint32_t bytes, class Portable>
 void Reorder3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, Portable portable) {
@@ -172,11 +373,15 @@ void Reorder3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, 
 }
 
 void Reorder3x8(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order) {
-  Reorder3<1>(src, dst, w, order, Reorder3x8Portable);
+  if (!Reversed(order)) return Reorder3<1>(src, dst, w, order, Reorder3x8Portable);
+  const uint32_t x = ReverseStream<1>(StreamBytes{src}, dst, w);
+  Reorder3x8Portable(src + 3 * size_t(x), dst + 3 * size_t(x), w - x, order);
 }
 
 void Reorder3x16(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order) {
-  Reorder3<2>(src, dst, w, order, Reorder3x16Portable);
+  if (!Reversed(order)) return Reorder3<2>(src, dst, w, order, Reorder3x16Portable);
+  const uint32_t x = ReverseStream<2>(StreamBytes{src}, dst, w);
+  Reorder3x16Portable(src + 6 * size_t(x), dst + 6 * size_t(x), w - x, order);
 }
 
 void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
@@ -210,7 +415,8 @@ void Words4ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t sh
 }  // namespace
 
 const CopyRowKernels kCopyRowsAVX512 = {
-    Bytes3To4, Bytes4To3, Split3, Merge3, Reorder3x8, Reorder3x16, Words4To3, Words4ToBytes3Of4,
+    Bytes3To4,         Bytes4To3,      Split3,    Merge3, Reorder3x8, Reorder3x16, Words3ToBytes3Of4,
+    Words3ToBytes3,    Words4To3,      Words4ToBytes3Of4, Words4ToBytes3,
 };
 
 }  // namespace kestrelink::rows

@@ -2,6 +2,13 @@
 #include "convert/rows/ColourRowsCopy.h"
 
 namespace kestrelink::rows {
+namespace {
+
+uint8_t NarrowWord(const uint8_t* p, uint32_t shift) {
+  return shift < 16 ? uint8_t(uint32_t(p[0] | p[1] << 8) >> shift) : 0;
+}
+
+}  // namespace
 
 void Bytes3To4Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
   const uint32_t keep = shift < 8 ? 0xFFu : 0u;  // a shift of a whole byte or more leaves nothing
@@ -51,6 +58,16 @@ void Reorder3x16Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOr
   }
 }
 
+void Words3ToBytes3Of4Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  for (uint32_t x = 0; x < w; ++x, src += 6, dst += 4)
+    for (int i = 0; i < 3; ++i) dst[i] = NarrowWord(src + 2 * order.c[i], shift);
+}
+
+void Words3ToBytes3Portable(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder order, uint32_t shift) {
+  for (uint32_t x = 0; x < w; ++x, src += 6, dst += 3)
+    for (int i = 0; i < 3; ++i) dst[i] = NarrowWord(src + 2 * order.c[i], shift);
+}
+
 void Words4To3Portable(const uint8_t* src, uint8_t* dst, uint32_t w) {
   for (uint32_t x = 0; x < w; ++x, src += 8, dst += 6)
     for (int b = 0; b < 6; ++b) dst[b] = src[b];
@@ -58,15 +75,18 @@ void Words4To3Portable(const uint8_t* src, uint8_t* dst, uint32_t w) {
 
 void Words4ToBytes3Of4Portable(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
   for (uint32_t x = 0; x < w; ++x, src += 8, dst += 4)
-    for (int i = 0; i < 3; ++i) {
-      const uint32_t s = uint32_t(src[2 * i] | src[2 * i + 1] << 8);
-      dst[i] = shift < 16 ? uint8_t(s >> shift) : 0;
-    }
+    for (int i = 0; i < 3; ++i) dst[i] = NarrowWord(src + 2 * i, shift);
+}
+
+void Words4ToBytes3Portable(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
+  for (uint32_t x = 0; x < w; ++x, src += 8, dst += 3)
+    for (int i = 0; i < 3; ++i) dst[i] = NarrowWord(src + 2 * i, shift);
 }
 
 const CopyRowKernels kCopyRowsPortable = {
-    Bytes3To4Portable,  Bytes4To3Portable,   Split3Portable,    Merge3Portable,
-    Reorder3x8Portable, Reorder3x16Portable, Words4To3Portable, Words4ToBytes3Of4Portable,
+    Bytes3To4Portable,         Bytes4To3Portable,      Split3Portable,    Merge3Portable,
+    Reorder3x8Portable,        Reorder3x16Portable,    Words3ToBytes3Of4Portable,
+    Words3ToBytes3Portable,    Words4To3Portable,      Words4ToBytes3Of4Portable, Words4ToBytes3Portable,
 };
 
 }  // namespace kestrelink::rows

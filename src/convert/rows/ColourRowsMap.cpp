@@ -90,7 +90,10 @@ struct ToBgrx {  // the fourth byte kept
 struct ToBgr24 {  // all but a row's last pixel store four bytes, the fourth where the next pixel goes
   static void Put(uint8_t* dst, uint32_t x, uint32_t b0, uint32_t b1, uint32_t b2, bool last) {
     const uint32_t px = (b0 & 0xFF) | (b1 & 0xFF) << 8 | (b2 & 0xFF) << 16;
-    std::memcpy(dst + 3 * size_t(x), &px, last ? 3 : 4);
+    if (last)
+      std::memcpy(dst + 3 * size_t(x), &px, 3);
+    else
+      std::memcpy(dst + 3 * size_t(x), &px, 4);
   }
 };
 template <uint32_t stride>
@@ -109,9 +112,11 @@ struct ToWords3 {
 
 template <class To, class Source>
 void MapRow(Source source, uint8_t* dst, uint32_t w, const ColourTables& t) {
+  const uint16_t *t0 = t.t[0], *t1 = t.t[1], *t2 = t.t[2];  // held in registers across the stores
+  const uint32_t mask = t.mask;
   for (uint32_t x = 0; x < w; ++x) {
-    const Indices i = source(x, t.mask);
-    To::Put(dst, x, t.t[0][i.i[0]], t.t[1][i.i[1]], t.t[2][i.i[2]], x + 1 == w);
+    const Indices i = source(x, mask);
+    To::Put(dst, x, t0[i.i[0]], t1[i.i[1]], t2[i.i[2]], x + 1 == w);
   }
 }
 

@@ -221,6 +221,31 @@ expect_conversion "mono16msbswap -> mono16" "bc 0a" --from mono16msbswap --to mo
 expect_conversion "mono12p8448 -> bgr24, negative" "cb cb cb 87 87 87 a9 a9 a9 65 65 65" --from mono12p8448 \
   --to bgr24 --pseudo 4 --size 2x2 "$work/pco.raw"
 
+# --- packed and planar colour sources --------------------------------------
+# A 2x1 BGR24 frame: B, G, R of two pixels.
+printf '\x01\x02\x03\x04\x05\x06' >"$work/bgr.raw"
+expect_conversion "bgr24 -> rgb24" "03 02 01 06 05 04" --from bgr24 --to rgb24 --size 2x1 "$work/bgr.raw"
+expect_conversion "bgr24 -> bgr48, each byte to the high byte" "00 01 00 02 00 03 00 04 00 05 00 06" \
+  --from bgr24 --to bgr48 --size 2x1 "$work/bgr.raw"
+expect_conversion "bgr24 -> bgr24p, planes B, G, R" "01 04 02 05 03 06" --from bgr24 --to BGR24P --size 2x1 "$work/bgr.raw"
+# Planar sources are read plane after plane. To BGR24 the first plane lands in
+# byte 0; to BGRx it is red, in byte 2, and the fourth byte is 0.
+printf '\x0a\x0b\x14\x15\x1e\x1f' >"$work/planes.raw"
+expect_conversion "bgr24p -> bgr24" "0a 14 1e 0b 15 1f" --from bgr24p --to bgr24 --size 2x1 "$work/planes.raw"
+expect_conversion "bgr24p -> bgrx" "1e 14 0a 00 1f 15 0b 00" --from bgr24p --to bgrx --size 2x1 "$work/planes.raw"
+# 5-6-5 white: each channel at the top of its byte, the low bits 0.
+printf '\xff\xff' >"$work/white565.raw"
+expect_conversion "bgr565 -> bgr24" "f8 fc f8" --from BGR565Packed --to bgr24 --size 1x1 "$work/white565.raw"
+# 16-bit colour at depth 12: words 0xfff, 0x123, 0x010, each >> 4 and cut to a byte.
+printf '\xff\x0f\x23\x01\x10\x00' >"$work/bgr48.raw"
+expect_conversion "bgr48 -> bgr24" "ff 12 01" --from bgr48 --depth 12 --to bgr24 --size 1x1 "$work/bgr48.raw"
+"$tool" convert --from bgr48 --depth 12 --to bgr48 --size 1x1 "$work/bgr48.raw" "$work/bgr48.png" || fail "bgr48 PNG: exit $?"
+expect_png "$work/bgr48.png" 1 1 16 2
+expect_png_bytes "bgr48 PNG, R, G, B moved to the top of 16 bits" "$work/bgr48.png" "01 00 12 30 ff f0"
+expect_refusal 2 "no conversion from bgr555 to bgr48" convert --from bgr555 --to bgr48 --size 1x1 "$work/white565.raw" \
+  "$work/x.raw"
+expect_refusal 2 "--depth" convert --from bgr565 --depth 12 --to bgr24 --size 1x1 "$work/white565.raw" "$work/x.raw"
+
 # --- refusals ------------------------------------------------------------
 expect_refusal 2 "--depth for mono12p sources is 10 or 12" convert --from mono12p --depth 14 --to mono16 --size 2x1 \
   "$work/pair.raw" "$work/x.raw"
@@ -237,7 +262,7 @@ head -c 10 "$work/in16.raw" >"$work/short.raw"
 expect_refusal 1 "holds 10 bytes; a 4x2 mono16 frame needs 16" \
   convert --from mono16 --to mono8 --size 4x2 "$work/short.raw" "$work/x.raw"
 [[ ! -e $work/x.raw ]] || fail "a refused conversion left an output file"
-expect_refusal 2 "known layouts: mono8, mono16" convert --from mono16 --to rgb48 --size 4x2 "$work/in16.raw" "$work/x.raw"
+expect_refusal 2 "known layouts: mono8, mono16" convert --from mono16 --to cmyk32 --size 4x2 "$work/in16.raw" "$work/x.raw"
 expect_refusal 2 "no conversion from mono8 to mono16" convert --from mono8 --to mono16 --size 2x1 "$work/in8.raw" "$work/x.raw"
 expect_refusal 2 "unknown option '--speed'" convert --speed 3 --from mono8 --to mono8 --size 2x1 "$work/in8.raw" "$work/x.raw"
 expect_refusal 2 "IN and OUT" convert --from mono8 --to mono8 --size 2x1 "$work/in8.raw"

@@ -58,7 +58,8 @@ void PrintConvertUsage(std::ostream& out) {
       << " each, e.g. 1920x1080\n"
          "\n"
          "options:\n"
-         "  --depth D         bits a mono16 sample carries, 8 to 16 (default 12); mono8 is 8;\n"
+         "  --depth D         bits a mono16, bgr48, rgb48, bgr64, bgr42p or bgr48p sample carries,\n"
+         "                    8 to 16 (default 12); the other layouts settle their own;\n"
          "                    packed sources (mono12p, mono12p8448, mono12pco) carry 10 or 12\n"
          "  --packed-bits N   packed sources: bits a pixel takes where rows start, 1 to 32\n"
          "                    (default 12); the pairs always take 3 bytes\n"
@@ -97,6 +98,7 @@ void PrintConvertUsage(std::ostream& out) {
          "  kestrelink convert --from mono16 --to mono8 --size 640x480 --flip frame.raw frame8.raw\n"
          "  kestrelink convert --from mono8 --to bgr --size 640x480 --pseudo 2 frame8.raw heat.png\n"
          "  kestrelink convert --from mono12p --depth 12 --to mono16 --size 2048x1536 camera.raw frame16.raw\n"
+         "  kestrelink convert --from bgr48 --depth 12 --to bgr24 --size 1920x1080 colour48.raw colour.png\n"
          "\n"
          "exit status: 0 done, 1 a file or the conversion failed, 2 the command line is wrong\n";
 }

@@ -79,7 +79,8 @@ uint32_t SourceDepth(const ConvertRequest& r) {
     throw UsageError("--depth for " + std::string(r.from->name) + " sources is 10 or 12");
   if (!r.from->fixedDepth) return r.depth.value_or(kDefaultMono16Depth);
   if (r.depth && *r.depth != r.from->fixedDepth)
-    throw UsageError("--depth applies to mono16 sources; " + std::string(r.from->name) + " is always " +
+    throw UsageError("--depth applies to sources of a chosen depth (mono16, bgr48, rgb48, bgr64, bgr42p, bgr48p); " +
+                     std::string(r.from->name) + " is always " +
                      std::to_string(r.from->fixedDepth) + " bits");
   return r.from->fixedDepth;
 }

@@ -1,5 +1,7 @@
 #include "LayoutPng.h"
 
+#include <utility>
+
 #include "ToolError.h"
 
 namespace kestrelink::tool {
@@ -22,6 +24,12 @@ void WordsToBigEndian(const uint8_t* in, uint8_t* out, size_t samples, uint32_t 
     out[0] = uint8_t(word >> 8);
     out[1] = uint8_t(word);
   }
+}
+
+// Big-endian 16-bit B, G, R pixels to R, G, B.
+void SwapOuterWords(uint8_t* pixels, size_t count) {
+  for (size_t i = 0; i < count; ++i, pixels += 6)
+    for (int b = 0; b < 2; ++b) std::swap(pixels[b], pixels[4 + b]);
 }
 
 }  // namespace
@@ -55,9 +63,39 @@ PngImage LayoutToPng(LayoutId layout, uint32_t width, uint32_t height, uint32_t 
       image.pixel = PngPixel::Grey16;
       image.bytes.assign(frame.begin(), frame.begin() + 2 * pixels);
       break;
+    case LayoutId::Rgb24:
+      image.pixel = PngPixel::Rgb8;
+      image.bytes.assign(frame.begin(), frame.begin() + 3 * pixels);
+      break;
+    case LayoutId::Bgr48:  // samples narrower than 16 bits moved to the top; 8-bit sources come widened already
+    case LayoutId::Rgb48:
+      image.pixel = PngPixel::Rgb16;
+      image.bytes.resize(pixels * 6);
+      WordsToBigEndian(frame.data(), image.bytes.data(), 3 * pixels, depth > 8 && depth <= 16 ? 16 - depth : 0);
+      if (layout == LayoutId::Bgr48) SwapOuterWords(image.bytes.data(), pixels);
+      break;
+    case LayoutId::Bgr24p:  // planes B, G, R, one after another
+      image.pixel = PngPixel::Rgb8;
+      image.bytes.resize(pixels * 3);
+      for (size_t i = 0; i < pixels; ++i)
+        for (int c = 0; c < 3; ++c) image.bytes[3 * i + c] = frame[(2 - c) * pixels + i];
+      break;
     case LayoutId::Mono12p:
     case LayoutId::Mono12p8448:
     case LayoutId::Mono12pco:
+    case LayoutId::Rbg32:
+    case LayoutId::Bgr64:
+    case LayoutId::Bgr555:
+    case LayoutId::Bgr565:
+    case LayoutId::Bgr10:
+    case LayoutId::Bgr10Phoenix:
+    case LayoutId::Rgb10Phoenix:
+    case LayoutId::GvspBgr10v1:
+    case LayoutId::GvspBgr10v2:
+    case LayoutId::Bgr30p:
+    case LayoutId::Bgr36p:
+    case LayoutId::Bgr42p:
+    case LayoutId::Bgr48p:
       throw RunError(std::string(LayoutOf(layout).name) + " is a source only; convert it to make a PNG");
   }
   return image;

@@ -8,7 +8,9 @@
 namespace kestrelink::tool {
 
 enum class LayoutId { Mono8, Mono16, Mono16Msb, Bgrx, Bgr24,
-                      Mono16MsbSwap, Mono12p, Mono12p8448, Mono12pco };
+                      Mono16MsbSwap, Mono12p, Mono12p8448, Mono12pco,
+                      Rgb24, Rbg32, Bgr48, Rgb48, Bgr64, Bgr555, Bgr565, Bgr10, Bgr10Phoenix, Rgb10Phoenix,
+                      GvspBgr10v1, GvspBgr10v2, Bgr24p, Bgr30p, Bgr36p, Bgr42p, Bgr48p };
 
 struct Layout {
   LayoutId id;

@@ -39,8 +39,9 @@ bool WriteWithLibpng(FILE* file, const PngImage& image, png_bytepp rows, PngFail
     png_destroy_write_struct(&png, &info);
     return false;
   }
-  const int bitDepth = image.pixel == PngPixel::Grey16 ? 16 : 8;
-  const int colourType = image.pixel == PngPixel::Rgb8 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY;
+  const int bitDepth = image.pixel == PngPixel::Grey16 || image.pixel == PngPixel::Rgb16 ? 16 : 8;
+  const int colourType =
+      image.pixel == PngPixel::Rgb8 || image.pixel == PngPixel::Rgb16 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY;
   png_init_io(png, file);
   png_set_compression_level(png, 3);  // noisy camera frames gain little from the default level at several times the cost
   png_set_IHDR(png, info, image.width, image.height, bitDepth, colourType, PNG_INTERLACE_NONE,
@@ -59,6 +60,7 @@ uint32_t PngBytesPerPixel(PngPixel pixel) {
     case PngPixel::Grey8: return 1;
     case PngPixel::Grey16: return 2;
     case PngPixel::Rgb8: return 3;
+    case PngPixel::Rgb16: return 6;
   }
   return 1;
 }

@@ -6,7 +6,7 @@
 
 namespace kestrelink::tool {
 
-enum class PngPixel { Grey8, Grey16, Rgb8 };
+enum class PngPixel { Grey8, Grey16, Rgb8, Rgb16 };
 
 struct PngImage {
   uint32_t width = 0;

@@ -6,44 +6,12 @@
 #include <cstddef>
 
 #include "convert/rows/ColourRowsCopy.h"
+#include "convert/rows/ColourRowsCopyMasks.h"
 
 namespace kestrelink::rows {
 namespace {
 
-using LaneMask = std::array<int8_t, 16>;
-
-// Byte k of a group of sixteen three-byte pixels is channel k % 3 of pixel
-// k / 3. Gathers channel `ch` from part `part` (bytes 16*part ..) to the
-// pixel's place; the other bytes come out 0.
-constexpr LaneMask SplitMask(int ch, int part) {
-  LaneMask m{};
-  for (int p = 0; p < 16; ++p) {
-    const int k = 3 * p + ch;
-    m[p] = k / 16 == part ? int8_t(k % 16) : int8_t(-128);
-  }
-  return m;
-}
-
-// The reverse: puts pixel q's channel `ch` where part `part` of the group wants it.
-constexpr LaneMask MergeMask(int ch, int part) {
-  LaneMask m{};
-  for (int q = 0; q < 16; ++q) {
-    const int k = 16 * part + q;
-    m[q] = k % 3 == ch ? int8_t(k / 3) : int8_t(-128);
-  }
-  return m;
-}
-
-constexpr std::array<std::array<LaneMask, 3>, 3> kSplitMasks = {{
-    {SplitMask(0, 0), SplitMask(0, 1), SplitMask(0, 2)},
-    {SplitMask(1, 0), SplitMask(1, 1), SplitMask(1, 2)},
-    {SplitMask(2, 0), SplitMask(2, 1), SplitMask(2, 2)},
-}};
-constexpr std::array<std::array<LaneMask, 3>, 3> kMergeMasks = {{
-    {MergeMask(0, 0), MergeMask(0, 1), MergeMask(0, 2)},
-    {MergeMask(1, 0), MergeMask(1, 1), MergeMask(1, 2)},
-    {MergeMask(2, 0), MergeMask(2, 1), MergeMask(2, 2)},
-}};
+using copymasks::LaneMask;
 
 inline __m256i BothLanes(const LaneMask& m) {
   return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m.data())));
@@ -217,17 +185,27 @@ void Words3ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder o
   Words3ToBytes3Portable(src + 6 * size_t(x), dst + 3 * size_t(x), w - x, order, shift);
 }
 
+// Twelve bytes of each 16-byte lane, picked by `shuffle`, stored as 24.
+inline void Keep24Of32(__m256i v, __m256i shuffle, uint8_t* out) {
+  const __m256i packed = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(v, shuffle), _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(packed));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(packed, 1));
+}
+
+// The first three of every four bytes, or of every four 16-bit words.
+// (Functions, not globals: nothing of this file may run before the variant is chosen.)
+inline __m256i FirstThreeBytes() {
+  return _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128,  //
+                          0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128);
+}
+inline __m256i FirstThreeWords() {
+  return _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128,  //
+                          0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128);
+}
+
 void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  const __m256i shuffle = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128,  //
-                                           0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128);
-  const __m256i pack = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
   uint32_t x = 0;
-  for (; x + 8 <= w; x += 8) {
-    const __m256i v = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(Load(src + 4 * size_t(x)), shuffle), pack);
-    uint8_t* out = dst + 3 * size_t(x);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(v));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(v, 1));
-  }
+  for (; x + 8 <= w; x += 8) Keep24Of32(Load(src + 4 * size_t(x)), FirstThreeBytes(), dst + 3 * size_t(x));
   Bytes4To3Portable(src + 4 * size_t(x), dst + 3 * size_t(x), w - x);
 }
 
@@ -241,7 +219,7 @@ inline __m256i LoadParts(const uint8_t* group, int part) {
 void Split3(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, uint32_t w) {
   __m256i m[3][3];
   for (int ch = 0; ch < 3; ++ch)
-    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(kSplitMasks[ch][part]);
+    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(copymasks::kSplit[ch][part]);
   uint8_t* const planes[3] = {d0, d1, d2};
   uint32_t x = 0;
   for (; x + 32 <= w; x += 32) {
@@ -258,7 +236,7 @@ void Split3(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, uint32_t 
 void Merge3(const uint8_t* s0, const uint8_t* s1, const uint8_t* s2, uint8_t* dst, uint32_t w) {
   __m256i m[3][3];
   for (int ch = 0; ch < 3; ++ch)
-    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(kMergeMasks[ch][part]);
+    for (int part = 0; part < 3; ++part) m[ch][part] = BothLanes(copymasks::kMerge[ch][part]);
   uint32_t x = 0;
   for (; x + 32 <= w; x += 32) {
     const __m256i s[3] = {Load(s0 + x), Load(s1 + x), Load(s2 + x)};
@@ -314,16 +292,8 @@ void Reorder3x16(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder orde
 }
 
 void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  const __m256i shuffle = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128,  //
-                                           0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128);
-  const __m256i pack = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
   uint32_t x = 0;
-  for (; x + 4 <= w; x += 4) {
-    const __m256i v = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(Load(src + 8 * size_t(x)), shuffle), pack);
-    uint8_t* out = dst + 6 * size_t(x);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(v));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(v, 1));
-  }
+  for (; x + 4 <= w; x += 4) Keep24Of32(Load(src + 8 * size_t(x)), FirstThreeWords(), dst + 6 * size_t(x));
   Words4To3Portable(src + 8 * size_t(x), dst + 6 * size_t(x), w - x);
 }
 
@@ -346,20 +316,13 @@ void Words4ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t sh
 void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
   const __m128i count = _mm_cvtsi32_si128(int(shift));
   const __m256i low = _mm256_set1_epi16(0xFF);
-  const __m256i shuffle = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128,  //
-                                           0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128);
-  // The pack leaves pixels 0-1 in dwords 0-1, 4-5 in 2-3, 2-3 in 4-5 and 6-7 in 6-7.
-  const __m256i pack = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
   uint32_t x = 0;
   for (; x + 8 <= w; x += 8) {
     const uint8_t* in = src + 8 * size_t(x);
     const __m256i a = _mm256_and_si256(_mm256_srl_epi16(Load(in), count), low);
     const __m256i b = _mm256_and_si256(_mm256_srl_epi16(Load(in + 32), count), low);
-    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);
-    const __m256i v = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(bytes, shuffle), pack);
-    uint8_t* out = dst + 3 * size_t(x);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(v));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(v, 1));
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);  // pixels back in order
+    Keep24Of32(bytes, FirstThreeBytes(), dst + 3 * size_t(x));
   }
   Words4ToBytes3Portable(src + 8 * size_t(x), dst + 3 * size_t(x), w - x, shift);
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "convert/rows/ColourRowsCopy.h"
+#include "convert/rows/ColourRowsCopyMasks.h"
 
 namespace kestrelink::rows {
 namespace {
@@ -15,40 +16,7 @@ namespace {
 // starts from an undefined vector and warns).
 inline __m512i Broadcast128(__m128i v) { return _mm512_maskz_broadcast_i32x4(0xFFFF, v); }
 
-using LaneMask = std::array<int8_t, 16>;
-
-// Byte k of a group of sixteen three-byte pixels is channel k % 3 of pixel
-// k / 3. Gathers channel `ch` from part `part` (bytes 16*part ..) to the
-// pixel's place; the other bytes come out 0.
-constexpr LaneMask SplitMask(int ch, int part) {
-  LaneMask m{};
-  for (int p = 0; p < 16; ++p) {
-    const int k = 3 * p + ch;
-    m[p] = k / 16 == part ? int8_t(k % 16) : int8_t(-128);
-  }
-  return m;
-}
-
-// The reverse: puts pixel q's channel `ch` where part `part` of the group wants it.
-constexpr LaneMask MergeMask(int ch, int part) {
-  LaneMask m{};
-  for (int q = 0; q < 16; ++q) {
-    const int k = 16 * part + q;
-    m[q] = k % 3 == ch ? int8_t(k / 3) : int8_t(-128);
-  }
-  return m;
-}
-
-constexpr std::array<std::array<LaneMask, 3>, 3> kSplitMasks = {{
-    {SplitMask(0, 0), SplitMask(0, 1), SplitMask(0, 2)},
-    {SplitMask(1, 0), SplitMask(1, 1), SplitMask(1, 2)},
-    {SplitMask(2, 0), SplitMask(2, 1), SplitMask(2, 2)},
-}};
-constexpr std::array<std::array<LaneMask, 3>, 3> kMergeMasks = {{
-    {MergeMask(0, 0), MergeMask(0, 1), MergeMask(0, 2)},
-    {MergeMask(1, 0), MergeMask(1, 1), MergeMask(1, 2)},
-    {MergeMask(2, 0), MergeMask(2, 1), MergeMask(2, 2)},
-}};
+using copymasks::LaneMask;
 
 inline __m512i AllLanes(const LaneMask& m) {
   return Broadcast128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(m.data())));
@@ -240,16 +208,19 @@ void Words3ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder o
   Words3ToBytes3Portable(src + 6 * size_t(x), dst + 3 * size_t(x), w - x, order, shift);
 }
 
-// Sources of four-byte pixels for Compact4To3: sixteen from pixel x on, and
-// sixty-four as four vectors.
+// Sources for Keep12Of16: a vector of pixels from pixel x on.
 struct Pixels4 {
+  static constexpr uint32_t pixels = 16;
   __m512i operator()(uint32_t x) const { return Load(src + 4 * size_t(x)); }
-  void Group(uint32_t x, __m512i in[4]) const {
-    for (int i = 0; i < 4; ++i) in[i] = Load(src + 4 * size_t(x) + 64 * i);
-  }
+  const uint8_t* src;
+};
+struct Pixels8 {  // four 16-bit words a pixel
+  static constexpr uint32_t pixels = 8;
+  __m512i operator()(uint32_t x) const { return Load(src + 8 * size_t(x)); }
   const uint8_t* src;
 };
 struct NarrowedPixels4 {  // four 16-bit words a pixel, shifted right and cut to bytes
+  static constexpr uint32_t pixels = 16;
   NarrowedPixels4(const uint8_t* src, uint32_t shift) : src(src), count(_mm_cvtsi32_si128(int(shift))) {}
   __m512i operator()(uint32_t x) const {
     const uint8_t* p = src + 8 * size_t(x);
@@ -257,50 +228,53 @@ struct NarrowedPixels4 {  // four 16-bit words a pixel, shifted right and cut to
     const __m256i hi = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 64), count));
     return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
   }
-  void Group(uint32_t x, __m512i in[4]) const {
-    for (int i = 0; i < 4; ++i) in[i] = (*this)(x + 16 * i);
-  }
   const uint8_t* src;
   __m128i count;
 };
 
-// The first three bytes of four-byte pixels: sixty-four a step, four vectors
-// to three whole stores, then sixteen. Answers the first pixel left over.
+// Twelve bytes of each 16-byte lane, picked by `shuffle`: four source vectors
+// to three whole stores a step, then one vector to 48 bytes. A source gives
+// `pixels` pixels a vector; answers the first pixel left over.
 template <class Source>
-uint32_t Compact4To3(const Source& source, uint8_t* dst, uint32_t w) {
-  const __m512i shuffle = Broadcast128(
-      _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128));
+uint32_t Keep12Of16(const Source& source, __m512i shuffle, uint8_t* dst, uint32_t w) {
+  constexpr uint32_t pixels = Source::pixels, outBytes = 48 / pixels;
   // After the shuffle each lane holds three dwords of output; these gather
   // the output's dwords 0-15, 16-31 and 32-47 from pairs of inputs.
   const __m512i pack[3] = {_mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20),
                            _mm512_setr_epi32(5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25),
                            _mm512_setr_epi32(10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25, 26, 28, 29, 30)};
   uint32_t x = 0;
-  for (; w - x >= 64; x += 64) {
+  for (; w - x >= 4 * pixels; x += 4 * pixels) {
     __m512i in[4];
-    source.Group(x, in);
-    for (auto& v : in) v = _mm512_shuffle_epi8(v, shuffle);
-    uint8_t* out = dst + 3 * size_t(x);
+    for (int i = 0; i < 4; ++i) in[i] = _mm512_shuffle_epi8(source(x + pixels * i), shuffle);
+    uint8_t* out = dst + outBytes * size_t(x);
     Store(out, _mm512_permutex2var_epi32(in[0], pack[0], in[1]));
     Store(out + 64, _mm512_permutex2var_epi32(in[1], pack[1], in[2]));
     Store(out + 128, _mm512_permutex2var_epi32(in[2], pack[2], in[3]));
   }
-  for (; w - x >= 16; x += 16) {
+  for (; w - x >= pixels; x += pixels) {
     const __m512i v = _mm512_permutexvar_epi32(pack[0], _mm512_shuffle_epi8(source(x), shuffle));
-    uint8_t* out = dst + 3 * size_t(x);
+    uint8_t* out = dst + outBytes * size_t(x);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(v, 2));
   }
   return x;
 }
 
+inline __m512i FirstThreeBytes() {
+  return Broadcast128(_mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -128, -128, -128, -128));
+}
+inline __m512i FirstThreeWords() {
+  return Broadcast128(_mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128));
+}
+
 void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  const uint32_t x = Compact4To3(Pixels4{src}, dst, w);
+  const uint32_t x = Keep12Of16(Pixels4{src}, FirstThreeBytes(), dst, w);
   Bytes4To3Portable(src + 4 * size_t(x), dst + 3 * size_t(x), w - x);
 }
 
 void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
-  const uint32_t x = Compact4To3(NarrowedPixels4(src, shift), dst, w);
+  const uint32_t x = Keep12Of16(NarrowedPixels4(src, shift), FirstThreeBytes(), dst, w);
   Words4ToBytes3Portable(src + 8 * size_t(x), dst + 3 * size_t(x), w - x, shift);
 }
 
@@ -309,7 +283,7 @@ void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift
 void Split3(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, uint32_t w) {
   __m512i m[3][3];
   for (int ch = 0; ch < 3; ++ch)
-    for (int part = 0; part < 3; ++part) m[ch][part] = AllLanes(kSplitMasks[ch][part]);
+    for (int part = 0; part < 3; ++part) m[ch][part] = AllLanes(copymasks::kSplit[ch][part]);
   uint8_t* const planes[3] = {d0, d1, d2};
   uint32_t x = 0;
   for (; x + 64 <= w; x += 64) {
@@ -329,7 +303,7 @@ void Split3(const uint8_t* src, uint8_t* d0, uint8_t* d1, uint8_t* d2, uint32_t 
 void Merge3(const uint8_t* s0, const uint8_t* s1, const uint8_t* s2, uint8_t* dst, uint32_t w) {
   __m512i m[3][3];
   for (int ch = 0; ch < 3; ++ch)
-    for (int part = 0; part < 3; ++part) m[ch][part] = AllLanes(kMergeMasks[ch][part]);
+    for (int part = 0; part < 3; ++part) m[ch][part] = AllLanes(copymasks::kMerge[ch][part]);
   uint32_t x = 0;
   for (; x + 64 <= w; x += 64) {
     const __m512i s[3] = {Load(s0 + x), Load(s1 + x), Load(s2 + x)};
@@ -385,16 +359,7 @@ void Reorder3x16(const uint8_t* src, uint8_t* dst, uint32_t w, ChannelOrder orde
 }
 
 void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  const __m512i shuffle = Broadcast128(
-      _mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -128, -128, -128, -128));
-  const __m512i pack = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
-  uint32_t x = 0;
-  for (; x + 8 <= w; x += 8) {
-    const __m512i v = _mm512_permutexvar_epi32(pack, _mm512_shuffle_epi8(Load(src + 8 * size_t(x)), shuffle));
-    uint8_t* out = dst + 6 * size_t(x);
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(v));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(v, 2));
-  }
+  const uint32_t x = Keep12Of16(Pixels8{src}, FirstThreeWords(), dst, w);
   Words4To3Portable(src + 8 * size_t(x), dst + 6 * size_t(x), w - x);
 }
 

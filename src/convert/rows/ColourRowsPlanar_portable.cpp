@@ -10,6 +10,17 @@ namespace {
 uint32_t Load16(const uint8_t* p) { return uint32_t(p[0] | p[1] << 8); }
 uint8_t Narrow(uint32_t s, uint32_t shift) { return shift < 16 ? uint8_t(s >> shift) : 0; }
 
+// Bytes 0-2 of `pixelBytes`-byte pixels from three planes of words; a fourth byte stays.
+template <uint32_t pixelBytes>
+void WordsShiftRow(const uint8_t* d0, const uint8_t* d1, const uint8_t* d2, uint8_t* dst, uint32_t w, uint32_t shift) {
+  for (uint32_t x = 0; x < w; ++x, dst += pixelBytes) {
+    const size_t at = 2 * size_t(x);
+    dst[0] = Narrow(Load16(d0 + at), shift);
+    dst[1] = Narrow(Load16(d1 + at), shift);
+    dst[2] = Narrow(Load16(d2 + at), shift);
+  }
+}
+
 }  // namespace
 
 void BytesToBgrxPortable(const uint8_t* d0, const uint8_t* d1, const uint8_t* d2, uint8_t* dst, uint32_t w,
@@ -33,22 +44,12 @@ void WordsToBgrxPortable(const uint8_t* d0, const uint8_t* d1, const uint8_t* d2
 
 void WordsShiftToBgrxPortable(const uint8_t* d0, const uint8_t* d1, const uint8_t* d2, uint8_t* dst, uint32_t w,
                               uint32_t shift) {
-  for (uint32_t x = 0; x < w; ++x, dst += 4) {
-    const size_t at = 2 * size_t(x);
-    dst[0] = Narrow(Load16(d0 + at), shift);
-    dst[1] = Narrow(Load16(d1 + at), shift);
-    dst[2] = Narrow(Load16(d2 + at), shift);
-  }
+  WordsShiftRow<4>(d0, d1, d2, dst, w, shift);
 }
 
 void WordsShiftToBgr24Portable(const uint8_t* d0, const uint8_t* d1, const uint8_t* d2, uint8_t* dst, uint32_t w,
                                uint32_t shift) {
-  for (uint32_t x = 0; x < w; ++x, dst += 3) {
-    const size_t at = 2 * size_t(x);
-    dst[0] = Narrow(Load16(d0 + at), shift);
-    dst[1] = Narrow(Load16(d1 + at), shift);
-    dst[2] = Narrow(Load16(d2 + at), shift);
-  }
+  WordsShiftRow<3>(d0, d1, d2, dst, w, shift);
 }
 
 const PlanarRowKernels kPlanarRowsPortable = {

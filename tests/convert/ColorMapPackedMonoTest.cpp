@@ -198,13 +198,16 @@ const uint8_t* RowOf(const MapCase& c, const std::vector<uint8_t>& src, uint32_t
   return nullptr;
 }
 
-void Check(const MapCase& c, uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, bool flip) {
+// A team size, when given, is set once the converter is made.
+void Check(const MapCase& c, uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, bool flip, int team = 0) {
+  packedtest::ScopedTeam keep;
   const uint32_t tableBits = c.fixedTableBits ? c.fixedTableBits : d;
   Lut lut;
   // Named by process too: test programs of other builds may run beside this one.
   testsupport::TempFile file("packed-" + std::to_string(getpid()) + "-" + c.name + ".txt",
                              MakeLut(tableBits, tableBits + w, lut));
   CIppImageConverter conv;
+  if (team) kestrelink::platform::SetTeamSize(team);
   conv.SetImageColorMap(true);
   ASSERT_TRUE(conv.LoadLUTFrom(file.path()));
   const uint32_t rowBits = c.rowsAt12Bits ? 12 : packedBits;
@@ -240,11 +243,11 @@ TEST(ColorMapPackedMono, EveryMethodReadsTheTablesAtItsLayoutsIndex) {
 }
 
 TEST(ColorMapPackedMono, OddWidthsAndNineSlotRowsOverlapLikeRowsInOrder) {
-  packedtest::ScopedTeam keep;
-  for (const auto& c : Cases())
-    for (uint32_t w : {1u, 3u, 5u, 9u, 13u})
-      for (uint32_t h : {2u, 5u, 9u})
-        for (bool flip : {false, true}) Check(c, w, h, 12, 12, flip);
+  for (int team : {1, 3})
+    for (const auto& c : Cases())
+      for (uint32_t w : {1u, 3u, 5u, 9u, 13u})
+        for (uint32_t h : {2u, 5u, 9u})
+          for (bool flip : {false, true}) Check(c, w, h, 12, 12, flip, team);
 }
 
 TEST(ColorMapPackedMono, PairRowsFollowPackedBitsOnEveryTarget) {

@@ -109,8 +109,12 @@ std::vector<uint8_t> ExpectedPairs(const PairCase& c, const std::vector<uint8_t>
   });
 }
 
-void CheckPairs(const PairCase& c, uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, bool flip) {
+// With a team size given, it is set once the converter is made (which sets
+// its own from the registry store), and put back after.
+void CheckPairs(const PairCase& c, uint32_t w, uint32_t h, uint32_t packedBits, uint32_t d, bool flip, int team = 0) {
+  packedtest::ScopedTeam keep;
   CIppImageConverter conv;
+  if (team) kestrelink::platform::SetTeamSize(team);
   auto src = packedtest::PairSource(w, h, c.rowsAt12Bits ? 12 : packedBits, w * 7 + h + d);
   const size_t size = size_t(w + 2) * h * c.dstBytes + 16;
   std::vector<uint8_t> dst(size, 0xA5);
@@ -140,12 +144,8 @@ TEST(PackedMonoPlain, OddWidthsOverlapLikeRowsInOrderWhateverTheTeam) {
     for (const auto& c : PairCases())
       for (uint32_t h : {1u, 2u, 3u, 7u, 9u})
         for (bool flip : {false, true}) {
-          packedtest::ScopedTeam keep;
-          CIppImageConverter conv;
-          kestrelink::platform::SetTeamSize(team);
-          (void)conv;
-          CheckPairs(c, 5, h, 12, 12, flip);
-          CheckPairs(c, 1, h, 12, 10, flip);
+          CheckPairs(c, 5, h, 12, 12, flip, team);
+          CheckPairs(c, 1, h, 12, 10, flip, team);
         }
 }
 
@@ -195,6 +195,15 @@ TEST(PackedMonoPlain, EdgeCaseExamples) {
   ASSERT_TRUE(conv.Mono16MSBToMono8(2, 1, 10, msb, bytes, false));
   EXPECT_EQ(bytes[0], 0xAB);
   EXPECT_EQ(bytes[1], 0x12);
+  // A swapped word at d = 16 is a full byte swap; at d = 12 the top 12 bits
+  // of the swapped word.
+  uint8_t swapped[4] = {0xAB, 0xCD, 0x12, 0x34};  // words 0xCDAB, 0x3412
+  ASSERT_TRUE(conv.Mono16MSBSwapToMono16(2, 1, 16, swapped, words, false));
+  EXPECT_EQ(words[0], 0xABCD);
+  EXPECT_EQ(words[1], 0x1234);
+  ASSERT_TRUE(conv.Mono16MSBSwapToMono16(2, 1, 12, swapped, words, false));
+  EXPECT_EQ(words[0], 0xABC);
+  EXPECT_EQ(words[1], 0x123);
 }
 
 // --- Mono16MSB and Mono16MSBSwap -------------------------------------------
@@ -262,19 +271,6 @@ TEST(PackedMonoPlain, MsbAndSwappedWordsEveryVariantDepthAndWidth) {
             ASSERT_EQ(dst, want) << c.name << " w=" << w << " d=" << d << " flip=" << flip;
           }
   }
-}
-
-TEST(PackedMonoPlain, SwappedSampleExamples) {
-  // d = 16 is a full byte swap; d = 12 the top 12 bits of the swapped word.
-  CIppImageConverter conv;
-  uint8_t src[4] = {0xAB, 0xCD, 0x12, 0x34};  // words 0xCDAB, 0x3412
-  uint16_t out[2];
-  ASSERT_TRUE(conv.Mono16MSBSwapToMono16(2, 1, 16, src, out, false));
-  EXPECT_EQ(out[0], 0xABCD);
-  EXPECT_EQ(out[1], 0x1234);
-  ASSERT_TRUE(conv.Mono16MSBSwapToMono16(2, 1, 12, src, out, false));
-  EXPECT_EQ(out[0], 0xABC);
-  EXPECT_EQ(out[1], 0x123);
 }
 
 TEST(PackedMonoPlain, ZeroSizesTouchNothing) {

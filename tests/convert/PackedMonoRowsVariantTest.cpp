@@ -122,27 +122,4 @@ TEST(PackedMonoRowsVariants, ActiveVariantPicksItsTable) {
   }
 }
 
-// The portable rows themselves, on one block of each layout, from the
-// formulas of the layouts' bit tables.
-TEST(PackedMonoRowsVariants, PortableRowsFollowTheBitTables) {
-  testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
-  const auto& k = kestrelink::rows::PackedMonoRows();
-  const uint8_t pair[3] = {0x34, 0x12, 0xAB};
-  uint16_t words[2];
-  k.lanes_to_words(pair, reinterpret_cast<uint8_t*>(words), 2, kestrelink::rows::kPacked12ToMono16);
-  EXPECT_EQ(words[0], 0x234);
-  EXPECT_EQ(words[1], 0xAB1);
-  const uint8_t pair8448[3] = {0xAB, 0x21, 0xCD};
-  k.lanes_to_words(pair8448, reinterpret_cast<uint8_t*>(words), 2, kestrelink::rows::k8448To12);
-  EXPECT_EQ(words[0], 0xAB1);
-  EXPECT_EQ(words[1], 0xCD2);
-  // Pixels 0x123, 0x456, 0x789, 0xABC, 0xDEF, 0x012, 0x345, 0x678 written
-  // most significant bit first into six little-endian words.
-  const uint8_t group[12] = {0x34, 0x12, 0x78, 0x56, 0xBC, 0x9A, 0xF0, 0xDE, 0x34, 0x12, 0x78, 0x56};
-  uint16_t slots[9];
-  k.pco_nine_slots(group, reinterpret_cast<uint8_t*>(slots), 1, 0);
-  const uint16_t want[9] = {0x123, 0x456, 0x780, 0x789, 0xABC, 0xDEF, 0x012, 0x340, 0x678};
-  for (int i = 0; i < 9; ++i) EXPECT_EQ(slots[i], want[i]) << "slot " << i;
-}
-
 }  // namespace

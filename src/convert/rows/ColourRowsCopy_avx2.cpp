@@ -297,33 +297,22 @@ void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
   Words4To3Portable(src + 8 * size_t(x), dst + 6 * size_t(x), w - x);
 }
 
+// Eight pixels of four words a step, narrowed as one stream of words.
 void Words4ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
-  const __m128i count = _mm_cvtsi32_si128(int(shift));
-  const __m256i low = _mm256_set1_epi16(0xFF), fourth = _mm256_set1_epi32(int(0xFF000000u));
+  const StreamNarrowedWords next(src, shift);
+  const __m256i fourth = _mm256_set1_epi32(int(0xFF000000u));
   uint32_t x = 0;
   for (; x + 8 <= w; x += 8) {
-    const uint8_t* in = src + 8 * size_t(x);
-    const __m256i a = _mm256_and_si256(_mm256_srl_epi16(Load(in), count), low);
-    const __m256i b = _mm256_and_si256(_mm256_srl_epi16(Load(in + 32), count), low);
-    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);  // pixels back in order
     uint8_t* out = dst + 4 * size_t(x);
-    Store(out, _mm256_blendv_epi8(bytes, Load(out), fourth));
+    Store(out, _mm256_blendv_epi8(next(4 * size_t(x)), Load(out), fourth));
   }
   Words4ToBytes3Of4Portable(src + 8 * size_t(x), dst + 4 * size_t(x), w - x, shift);
 }
 
-// Eight pixels of four words narrowed to bytes, then their first three bytes.
 void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
-  const __m128i count = _mm_cvtsi32_si128(int(shift));
-  const __m256i low = _mm256_set1_epi16(0xFF);
+  const StreamNarrowedWords next(src, shift);
   uint32_t x = 0;
-  for (; x + 8 <= w; x += 8) {
-    const uint8_t* in = src + 8 * size_t(x);
-    const __m256i a = _mm256_and_si256(_mm256_srl_epi16(Load(in), count), low);
-    const __m256i b = _mm256_and_si256(_mm256_srl_epi16(Load(in + 32), count), low);
-    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), 0xD8);  // pixels back in order
-    Keep24Of32(bytes, FirstThreeBytes(), dst + 3 * size_t(x));
-  }
+  for (; x + 8 <= w; x += 8) Keep24Of32(next(4 * size_t(x)), FirstThreeBytes(), dst + 3 * size_t(x));
   Words4ToBytes3Portable(src + 8 * size_t(x), dst + 3 * size_t(x), w - x, shift);
 }
 

@@ -221,15 +221,8 @@ struct Pixels8 {  // four 16-bit words a pixel
 };
 struct NarrowedPixels4 {  // four 16-bit words a pixel, shifted right and cut to bytes
   static constexpr uint32_t pixels = 16;
-  NarrowedPixels4(const uint8_t* src, uint32_t shift) : src(src), count(_mm_cvtsi32_si128(int(shift))) {}
-  __m512i operator()(uint32_t x) const {
-    const uint8_t* p = src + 8 * size_t(x);
-    const __m256i lo = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p), count));
-    const __m256i hi = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(p + 64), count));
-    return _mm512_inserti64x4(_mm512_castsi256_si512(lo), hi, 1);
-  }
-  const uint8_t* src;
-  __m128i count;
+  __m512i operator()(uint32_t x) const { return words(4 * size_t(x)); }
+  StreamNarrowedWords words;
 };
 
 // Twelve bytes of each 16-byte lane, picked by `shuffle`: four source vectors
@@ -274,7 +267,7 @@ void Bytes4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
 }
 
 void Words4ToBytes3(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
-  const uint32_t x = Keep12Of16(NarrowedPixels4(src, shift), FirstThreeBytes(), dst, w);
+  const uint32_t x = Keep12Of16(NarrowedPixels4{StreamNarrowedWords(src, shift)}, FirstThreeBytes(), dst, w);
   Words4ToBytes3Portable(src + 8 * size_t(x), dst + 3 * size_t(x), w - x, shift);
 }
 
@@ -363,16 +356,14 @@ void Words4To3(const uint8_t* src, uint8_t* dst, uint32_t w) {
   Words4To3Portable(src + 8 * size_t(x), dst + 6 * size_t(x), w - x);
 }
 
+// Sixteen pixels of four words a step, narrowed as one stream of words.
 void Words4ToBytes3Of4(const uint8_t* src, uint8_t* dst, uint32_t w, uint32_t shift) {
-  const __m128i count = _mm_cvtsi32_si128(int(shift));
+  const StreamNarrowedWords next(src, shift);
   constexpr __mmask64 kFourth = 0x8888888888888888ull;
   uint32_t x = 0;
   for (; x + 16 <= w; x += 16) {
-    const uint8_t* in = src + 8 * size_t(x);
-    const __m256i a = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(in), count));
-    const __m256i b = _mm512_cvtepi16_epi8(_mm512_srl_epi16(Load(in + 64), count));
     uint8_t* out = dst + 4 * size_t(x);
-    Store(out, _mm512_mask_blend_epi8(kFourth, _mm512_inserti64x4(_mm512_castsi256_si512(a), b, 1), Load(out)));
+    Store(out, _mm512_mask_blend_epi8(kFourth, next(4 * size_t(x)), Load(out)));
   }
   Words4ToBytes3Of4Portable(src + 8 * size_t(x), dst + 4 * size_t(x), w - x, shift);
 }

@@ -65,7 +65,9 @@ Status VideoProcessing::GetFrame(MediaData* in, MediaData* out) {
   if (source->GetWidth() > target->GetWidth() || source->GetHeight() > target->GetHeight())
     return UMC_ERR_INVALID_PARAMS;
   const ColorFormat from = source->GetColorFormat(), to = target->GetColorFormat();
-  const int32_t sourcePlanes = to == GRAY ? std::min(source->GetNumPlanes(), 1) : source->GetNumPlanes();
+  const int32_t sourcePlanes = to == GRAY || from == GRAY ? 1 : 3;
+  if (source->GetNumPlanes() < sourcePlanes || target->GetNumPlanes() < 1) return UMC_ERR_NULL_PTR;
+  if (source->GetPlaneInfo(0)->sampleSize != 1) return UMC_ERR_UNSUPPORTED;  // 8-bit samples only
   for (int32_t i = 0; i < sourcePlanes; ++i)
     if (!source->GetPlanePointer(i)) return UMC_ERR_NULL_PTR;
   for (int32_t i = 0; i < target->GetNumPlanes(); ++i)

@@ -167,6 +167,24 @@ TEST(H264Front, SetParamersAnswersWhetherTheEncoderIsSetUpButNotOpen) {
   EXPECT_TRUE(codec.SetParamers(false, H264_PARAM_NONE, 0));
 }
 
+// The source is described with the given depth; deeper than 8 bits it is not
+// coded, and the record still comes back, holding what the encoder left: nothing.
+TEST(H264Front, AFrameTheEncoderCannotTakeStillGivesARecord) {
+  std::vector<std::string> lines;
+  kestrelink::SetDebugOutputHandler(&Collect, &lines);
+  CH264Conversion codec;
+  ASSERT_TRUE(codec.Initialize(true, kW, kH, H264_SOURCE_MONO, 12, 0, 12, 0));
+  std::vector<uint16_t> deep(size_t(kW) * kH, 0x0800);
+  std::vector<uint8_t> record = RecordBuffer(kW, kH);
+  EXPECT_TRUE(codec.EncodeImage(record.data(), deep.data(), nullptr, nullptr));
+  kestrelink::SetDebugOutputHandler(nullptr, nullptr);
+  EXPECT_EQ(RecordSizeOf(record), 8u);
+  EXPECT_EQ(Field16(record, 4), 0);
+  EXPECT_EQ(Field16(record, 6), 1);  // the counter moves on all the same
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[1], "H264 Encoder Encoding ================-879");
+}
+
 TEST(H264Front, EncodeBeforeInitializeFails) {
   CH264Conversion codec;
   Planes frame = SyntheticFrame(kW, kH, 0);

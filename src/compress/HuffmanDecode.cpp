@@ -1,4 +1,4 @@
-// Huffman decoding kernels. The fast table reads 12 bits at a time and gives
+// Huffman decoding kernels. The fast table reads 14 bits at a time and gives
 // every whole code in them, up to three; longer codes and the last bits of
 // the input go by the per-length ranges. Decoded bytes gather in a small
 // stage and go out in whole runs, so nothing past the decoded count is
@@ -36,12 +36,12 @@ void BuildRanges(const HuffmanCode& code, HuffmanDecodeTables& t) {
 
 void BuildFastTable(const HuffmanCode& code, HuffmanDecodeTables& t) {
   // One code per entry first: its symbol and length, 0 where no code of
-  // 12 bits or fewer begins.
+  // kFastBits bits or fewer begins.
   struct One {
     uint8_t symbol;
     uint8_t length;
   };
-  static_assert(kFastBits <= 12);
+  static_assert(4 * kFastBits <= 57, "four lookups take the bits of one load");
   One one[1u << kFastBits] = {};
   for (uint32_t s = 0; s < 256; ++s) {
     const uint32_t length = uint32_t(code.lengths[s]);
@@ -49,7 +49,7 @@ void BuildFastTable(const HuffmanCode& code, HuffmanDecodeTables& t) {
     const uint32_t lo = code.codes[s] << (kFastBits - length), hi = (code.codes[s] + 1) << (kFastBits - length);
     for (uint32_t v = lo; v < hi; ++v) one[v] = One{uint8_t(s), uint8_t(length)};
   }
-  // Then as many codes as lie whole in the 12 bits. A code found in the
+  // Then as many codes as lie whole in those bits. A code found in the
   // known top bits is the code whatever follows, since no code begins another.
   for (uint32_t v = 0; v <= kFastMask; ++v) {
     uint32_t symbols = 0, taken = 0, count = 0;
@@ -60,7 +60,7 @@ void BuildFastTable(const HuffmanCode& code, HuffmanDecodeTables& t) {
       taken += e.length;
       ++count;
     }
-    t.fast[v] = symbols | taken << 24 | count << 29;
+    t.fast[v] = taken | count << 6 | symbols << 8;
   }
 }
 
@@ -127,16 +127,16 @@ IppStatus ippsDecodeHuff_8u(const Ipp8u* pSrc, Ipp32s srcLen, Ipp8u* pDst, Ipp32
     // One lookup: false when the next code is not in the fast table.
     auto step = [&](uint64_t& bits) {
       const uint32_t e = fast[bits >> (64 - kFastBits)];
-      const uint32_t count = e >> 29, taken = (e >> 24) & 31;
+      const uint32_t count = (e >> 6) & 3, symbols = e >> 8;
       if (count == 0) return false;
-      std::memcpy(stage + n, &e, 4);  // symbols in the low three bytes, first at the lowest address
+      std::memcpy(stage + n, &symbols, 4);  // first symbol at the lowest address
       n += count;
-      pos += taken;
-      bits <<= taken;
+      pos += e & 63;
+      bits <<= e & 63;
       return true;
     };
     while (n < limit) {
-      // Four lookups take at most 48 of the 57 bits that one load gives.
+      // Four lookups take at most 56 of the 57 bits that one load gives.
       while (n + 12 <= limit && (pos >> 3) + 8 <= size) {
         uint64_t bits = LoadBigEndian64(pSrc + (pos >> 3)) << (pos & 7);
         if (!step(bits) || !step(bits) || !step(bits) || !step(bits)) break;

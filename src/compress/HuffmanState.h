@@ -13,10 +13,11 @@ namespace kestrelink::compress {
 // kFastBits bits and gives up to three whole codes found in them; codes
 // longer than that go by the per-length ranges.
 struct HuffmanDecodeTables {
-  static constexpr uint32_t kFastBits = 12;
-  // Entry: symbols in bits 0-23 (first in the low byte), bits taken in
-  // 24-28, symbol count in 29-30; a count of 0 sends the decoder to the
-  // ranges.
+  static constexpr uint32_t kFastBits = 14;
+  // Entry: bits taken in bits 0-5 (so that the entry's low six bits are the
+  // shift count as the processor takes it), symbol count in 6-7, symbols in
+  // 8-31, the first in bits 8-15.
+  // A count of 0 sends the decoder to the ranges.
   uint32_t fast[1u << kFastBits];
 
   // Codes of one length fill [first, first + count) of the length's codes,

@@ -3,10 +3,19 @@
 
 namespace kestrelink::tool {
 
+// The lossless coder's verbs (CompressVerbs.cpp).
+int RunCompress(std::span<const std::string_view> args);
+void PrintCompressUsage(std::ostream& out);
+int RunDecompress(std::span<const std::string_view> args);
+void PrintDecompressUsage(std::ostream& out);
+
 namespace {
 
 constexpr Verb kVerbs[] = {
+    {"compress", "compress a file without loss (Huffman, LZSS or RLE stream)", RunCompress, PrintCompressUsage},
     {"convert", "convert one raw frame file to another layout (raw bytes or PNG)", RunConvert, PrintConvertUsage},
+    {"decompress", "decode a Huffman, LZSS or RLE stream back into the raw file", RunDecompress,
+     PrintDecompressUsage},
     {"demo", "write example conversions of a built-in synthetic camera frame as PNG files", RunDemo,
      PrintDemoUsage},
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},

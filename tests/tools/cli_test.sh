@@ -276,6 +276,29 @@ expect_refusal 1 "cannot open" convert --from mono8 --to mono8 --size 2x1 "$work
 expect_refusal 1 "LUT" convert --from mono8 --lut "$work/missing.lut" --to bgrx --size 2x1 "$work/in8.raw" "$work/x.raw"
 expect_refusal 2 "unknown command" frobnicate
 
+# --- lossless compress and decompress --------------------------------------
+# The stream as the library writes it: total (itself included), then the
+# payload; RLE codes "aab" as a a 0 b.
+printf 'aab' >"$work/aab.raw"
+"$tool" compress --method rle "$work/aab.raw" "$work/aab.rle" >/dev/null || fail "compress rle: exit $?"
+expect_bytes "rle stream of aab" "$work/aab.rle" "08 00 00 00 61 61 00 62"
+# Every method gives the file back, byte for byte.
+cat "$demo_dir/01-scene-mono16.png" "$work/in16.raw" "$work/two-frames.raw" >"$work/mixed.bin"
+mixed_bytes=$(wc -c <"$work/mixed.bin")
+for method in huffman lzss rle; do
+  "$tool" compress --method "$method" "$work/mixed.bin" "$work/mixed.$method" >"$work/compress.txt" ||
+    fail "compress $method: exit $?"
+  grep -q "bytes ($method, ratio" "$work/compress.txt" || fail "compress $method printed no sizes"
+  "$tool" decompress --method "$method" --bytes "$mixed_bytes" "$work/mixed.$method" "$work/mixed.back" ||
+    fail "decompress $method: exit $?"
+  cmp -s "$work/mixed.bin" "$work/mixed.back" || fail "compress and decompress $method do not round-trip"
+done
+expect_refusal 2 "missing --bytes" decompress --method rle "$work/aab.rle" "$work/x.raw"
+expect_refusal 2 "unknown method 'zip'" compress --method zip "$work/aab.raw" "$work/x.rle"
+expect_refusal 1 "decodes to 3 bytes, not the 4" decompress --method rle --bytes 4 "$work/aab.rle" "$work/x.raw"
+expect_refusal 1 "is no stream" decompress --method rle --bytes 3 "$work/aab.raw" "$work/x.raw"
+[[ ! -e $work/x.raw ]] || fail "a refused decompress left an output file"
+
 # --- help ----------------------------------------------------------------
 # grep reads the whole help: one that quits at the first match would leave a
 # long help's writer to die of SIGPIPE, which pipefail reports.

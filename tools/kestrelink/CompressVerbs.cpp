@@ -5,6 +5,7 @@
 #include <kestrelink/CIppImageCompress.h>
 
 #include <filesystem>
+#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -137,7 +138,7 @@ int RunCompress(std::span<const std::string_view> args) {
                    "' (see the message above)");
   WriteRawFile(r.out, stream);
   std::cout << r.in << ": " << n << " bytes -> " << stream.size() << " bytes (" << MethodName(*r.method)
-            << ", ratio " << double(n) / double(stream.size()) << ")\n";
+            << ", ratio " << std::fixed << std::setprecision(3) << double(n) / double(stream.size()) << ")\n";
   return 0;
 }
 

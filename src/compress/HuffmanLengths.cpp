@@ -33,7 +33,9 @@ IppStatus BuildCodeLengths(const Ipp32s counts[256], Ipp32s lengths[256]) {
     lengths[list[0].symbol] = 1;
     return ippStsNoErr;
   }
-  std::stable_sort(list, list + size, [](const Entry& a, const Entry& b) { return a.weight < b.weight; });
+  std::sort(list, list + size, [](const Entry& a, const Entry& b) {
+    return a.weight != b.weight ? a.weight < b.weight : a.symbol < b.symbol;
+  });
 
   // Each merge is remembered as (representative, other); the merged entry
   // carries the representative.

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TestSupport.h"
+
 namespace compresstest {
 
 using Bytes = std::vector<uint8_t>;
@@ -35,6 +37,16 @@ inline Bytes PackNibbles(const std::vector<int>& nibbles) {
   for (size_t i = 0; i < nibbles.size(); ++i) out[i / 2] |= uint8_t(i % 2 == 0 ? nibbles[i] << 4 : nibbles[i]);
   return out;
 }
+
+// Nibble lists of packed code-length tables: `a`, then `b` `times` times.
+inline std::vector<int> Then(std::vector<int> a, const std::vector<int>& b, int times = 1) {
+  for (int t = 0; t < times; ++t) a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+// A run of 34 zero lengths after the first: "0 0 32", from bank 0, or with
+// the bank selector back to 0 after an earlier count of 32 took bank 26.
+inline const std::vector<int> kZeroRunFromBank0 = {0, 0, 15, 6};
+inline const std::vector<int> kZeroRunFromBank26 = {13, 0, 0, 15, 6};
 
 inline Bytes Concat(Bytes a, const Bytes& b) {
   a.insert(a.end(), b.begin(), b.end());
@@ -116,6 +128,25 @@ inline Decoded Decode(IppCompressType type, const Bytes& stream, uint32_t size) 
   d.guardIntact = std::all_of(buffer.begin() + size, buffer.end(), [](uint8_t b) { return b == kFill; });
   d.tailIntact = std::all_of(buffer.begin() + kept, buffer.begin() + size, [](uint8_t b) { return b == kFill; });
   return d;
+}
+
+// Encodes and decodes `frame` with a fresh coder each way: the frame comes
+// back whole, m_size says its size, and nothing is written past it.
+inline void ExpectRoundTrip(IppCompressType type, const Bytes& frame) {
+  const Decoded d = Decode(type, Encode(type, frame), uint32_t(frame.size()));
+  EXPECT_EQ(d.size, frame.size());
+  EXPECT_TRUE(d.bytes == frame);
+  EXPECT_TRUE(d.guardIntact);
+}
+
+// Runs `body` once with every processor variant this machine can run forced.
+template <class Body>
+void OnEveryVariant(Body&& body) {
+  for (auto v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(v);
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    body();
+  }
 }
 
 // What `run` printed on standard error.

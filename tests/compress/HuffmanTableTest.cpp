@@ -11,7 +11,10 @@
 namespace {
 
 using compresstest::Bytes;
+using compresstest::kZeroRunFromBank0;
+using compresstest::kZeroRunFromBank26;
 using compresstest::PackNibbles;
+using compresstest::Then;
 using Lengths = std::array<Ipp32s, 256>;
 
 // Lengths from (value, first symbol, count) spans over a zero table.
@@ -21,15 +24,6 @@ Lengths Spans(std::initializer_list<std::array<int, 3>> spans) {
     for (int s = first; s < first + count; ++s) l[size_t(s)] = value;
   return l;
 }
-
-// The nibbles of a zero run of 34 copies at bank 0, and then at bank 26
-// (the count 32 switched to it): "0 0 32", or "D 0 0 32".
-std::vector<int> Then(std::vector<int> a, const std::vector<int>& b, int times = 1) {
-  for (int t = 0; t < times; ++t) a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-const std::vector<int> kZeroRunFromBank0 = {0, 0, 15, 6};
-const std::vector<int> kZeroRunFromBank26 = {13, 0, 0, 15, 6};
 
 Bytes Pack(const Lengths& l, Ipp32s room = 1024) {
   Bytes out(size_t(room) + 8, 0xEE);

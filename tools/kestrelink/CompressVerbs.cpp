@@ -13,15 +13,11 @@
 #include <vector>
 
 #include "Args.h"
+#include "CompressVerbs.h"
 #include "FrameFile.h"
 #include "ToolError.h"
 
 namespace kestrelink::tool {
-
-int RunCompress(std::span<const std::string_view> args);
-void PrintCompressUsage(std::ostream& out);
-int RunDecompress(std::span<const std::string_view> args);
-void PrintDecompressUsage(std::ostream& out);
 
 namespace {
 

@@ -1,13 +1,8 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
+#include "CompressVerbs.h"
 #include "Verbs.h"
 
 namespace kestrelink::tool {
-
-// The lossless coder's verbs (CompressVerbs.cpp).
-int RunCompress(std::span<const std::string_view> args);
-void PrintCompressUsage(std::ostream& out);
-int RunDecompress(std::span<const std::string_view> args);
-void PrintDecompressUsage(std::ostream& out);
 
 namespace {
 

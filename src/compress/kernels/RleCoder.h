@@ -21,6 +21,10 @@ extern const RleCoderKernels kRleCoderSSE2;
 extern const RleCoderKernels kRleCoderAVX2;
 extern const RleCoderKernels kRleCoderAVX512;
 
+// Portable loops, also the last bytes of the vector variants.
+size_t RleEncodePortable(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken);
+size_t RleDecodePortable(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken);
+
 inline const RleCoderKernels& RleCoder() {
   static const RleCoderKernels* const slots[kVariantCount] = {&kRleCoderPortable, &kRleCoderSSE2, nullptr,
                                                               &kRleCoderAVX2, &kRleCoderAVX512};

@@ -11,8 +11,8 @@
 //   void Copy16(d, s)        16 bytes
 //   void Fill(d, v)          W bytes of v
 //
-// Each loop runs a fast part while whole-vector writes are safe, then the
-// rest byte by byte as the portable loop does. Whole-vector writes may run
+// Each loop runs a fast part while whole-vector writes are safe, then hands
+// the rest to the portable loop. Whole-vector writes may run
 // past the bytes that a step produces, but only into room that later output
 // is sure to cover: the fast part stops while enough input is left for the
 // output to reach past them.
@@ -53,6 +53,33 @@ uint64_t NextPairs(const uint8_t* p) {
   return Vec::EqualPairs(p);
 }
 
+// Copies the literals from i up to the next pair, which starts within the
+// next W bytes, or all W when none does; answers whether a pair stands at i.
+template <class Vec>
+bool CopyToPair(const uint8_t* src, size_t& i, uint8_t* dst, size_t& o) {
+  const uint64_t pairs = NextPairs<Vec>(src + i);
+  if (!pairs) {
+    Vec::Copy(dst + o, src + i);
+    i += Vec::kWidth;
+    o += Vec::kWidth;
+    return false;
+  }
+  const size_t literals = size_t(__builtin_ctzll(pairs));
+  CopyLiterals<Vec>(dst + o, src + i, literals);
+  i += literals;
+  o += literals;
+  return true;
+}
+
+// The rest of the input by the portable loop, from a token boundary.
+template <class Loop>
+size_t Rest(Loop loop, const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t i, size_t o, size_t* taken) {
+  size_t restTaken = 0;
+  o += loop(src + i, n - i, dst + o, room - o, &restTaken);
+  *taken = i + restTaken;
+  return o;
+}
+
 template <class Vec>
 size_t EncodeRuns(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken) {
   constexpr size_t W = Vec::kWidth;
@@ -65,17 +92,7 @@ size_t EncodeRuns(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_
   if (n > kInputLeft && room > kRoomLeft) {
     const size_t iStop = n - kInputLeft, oStop = room - kRoomLeft;
     while (i < iStop && o < oStop) {
-      const uint64_t pairs = NextPairs<Vec>(src + i);
-      if (!pairs) {
-        Vec::Copy(dst + o, src + i);
-        i += W;
-        o += W;
-        continue;
-      }
-      const size_t literals = size_t(__builtin_ctzll(pairs));
-      CopyLiterals<Vec>(dst + o, src + i, literals);
-      i += literals;
-      o += literals;
+      if (!CopyToPair<Vec>(src, i, dst, o)) continue;
       // A run at i: b and 1 to 256 equal bytes after it; most are pairs.
       const uint8_t b = src[i];
       const size_t repeats = src[i + 2] != b ? 1 : CountEqual<Vec>(src + i + 1, 256, b);
@@ -85,24 +102,7 @@ size_t EncodeRuns(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_
       i += 1 + repeats;
     }
   }
-  while (i < n) {
-    const uint8_t b = src[i];
-    const size_t repeats = i + 1 < n && src[i + 1] == b ? CountEqual<Vec>(src + i + 1, std::min<size_t>(256, n - i - 1), b) : 0;
-    if (repeats == 0) {
-      if (o == room) break;
-      dst[o++] = b;
-      ++i;
-      continue;
-    }
-    if (room - o < 3) break;
-    dst[o] = b;
-    dst[o + 1] = b;
-    dst[o + 2] = uint8_t(repeats - 1);
-    o += 3;
-    i += 1 + repeats;
-  }
-  *taken = i;
-  return o;
+  return Rest(kestrelink::compress::RleEncodePortable, src, n, dst, room, i, o, taken);
 }
 
 template <class Vec>
@@ -117,18 +117,8 @@ size_t DecodeRuns(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_
   if (n > kInputLeft && room > kRoomLeft) {
     const size_t iStop = n - kInputLeft, oStop = room - kRoomLeft;
     while (i < iStop && o < oStop) {
-      // Pairs starting at i .. i + W - 1 all have their count in the input.
-      const uint64_t pairs = NextPairs<Vec>(src + i);
-      if (!pairs) {
-        Vec::Copy(dst + o, src + i);
-        i += W;
-        o += W;
-        continue;
-      }
-      const size_t literals = size_t(__builtin_ctzll(pairs));
-      CopyLiterals<Vec>(dst + o, src + i, literals);
-      i += literals;
-      o += literals;
+      // A pair within the next W bytes has its count in the input.
+      if (!CopyToPair<Vec>(src, i, dst, o)) continue;
       const uint8_t b = src[i];
       const size_t copies = size_t(src[i + 2]) + 2;
       for (size_t c = 0; c < copies; c += W) Vec::Fill(dst + o + c, b);
@@ -136,23 +126,7 @@ size_t DecodeRuns(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_
       i += 3;
     }
   }
-  while (n - i >= 3) {
-    if (src[i] != src[i + 1]) {
-      if (o == room) break;
-      dst[o++] = src[i++];
-      continue;
-    }
-    const size_t copies = size_t(src[i + 2]) + 2, filled = std::min(copies, room - o);
-    std::fill(dst + o, dst + o + filled, src[i]);
-    o += filled;
-    if (filled < copies) break;
-    i += 3;
-  }
-  if (n - i < 3) {  // the last one or two bytes stand for themselves
-    while (i < n && o < room) dst[o++] = src[i++];
-  }
-  *taken = i;
-  return o;
+  return Rest(kestrelink::compress::RleDecodePortable, src, n, dst, room, i, o, taken);
 }
 
 }  // namespace

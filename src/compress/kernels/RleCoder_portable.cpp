@@ -5,9 +5,8 @@
 #include "compress/kernels/RleCoder.h"
 
 namespace kestrelink::compress {
-namespace {
 
-size_t Encode(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken) {
+size_t RleEncodePortable(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken) {
   size_t i = 0, o = 0;
   while (i < n) {
     const uint8_t b = src[i];
@@ -30,7 +29,7 @@ size_t Encode(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* t
   return o;
 }
 
-size_t Decode(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken) {
+size_t RleDecodePortable(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* taken) {
   size_t i = 0, o = 0;
   while (n - i >= 3) {
     if (src[i] != src[i + 1]) {
@@ -51,8 +50,6 @@ size_t Decode(const uint8_t* src, size_t n, uint8_t* dst, size_t room, size_t* t
   return o;
 }
 
-}  // namespace
-
-const RleCoderKernels kRleCoderPortable = {Encode, Decode};
+const RleCoderKernels kRleCoderPortable = {RleEncodePortable, RleDecodePortable};
 
 }  // namespace kestrelink::compress

@@ -144,7 +144,7 @@ TEST_F(H264Decoding, BadRecordsGiveFalseWithoutHarm) {
   const uint32_t cut = 8 + (RecordSizeOf(records_[0]) - 8) / 4;
   for (int i = 0; i < 4; ++i) truncated[i] = uint8_t(cut >> (8 * i));
   codec_.DecodeImage(1, truncated.data(), image_.data());
-  std::vector<uint8_t> garbage = testsupport::RandomBytes(600, 7);
+  std::vector<uint8_t> garbage = testsupport::RandomBytes(616, 7);  // a 600-byte record and the 8 bytes behind it
   const uint8_t head[] = {0x58, 0x02, 0, 0, 12, 0, 0, 0, 0, 0, 0, 1, 0x67};
   std::copy(std::begin(head), std::end(head), garbage.begin());
   codec_.DecodeImage(1, garbage.data(), image_.data());

@@ -225,28 +225,16 @@ struct NarrowedPixels4 {  // four 16-bit words a pixel, shifted right and cut to
   StreamNarrowedWords words;
 };
 
-// Twelve bytes of each 16-byte lane, picked by `shuffle`: four source vectors
-// to three whole stores a step, then one vector to 48 bytes. A source gives
-// `pixels` pixels a vector; answers the first pixel left over.
+// Twelve bytes of each 16-byte lane, picked by `shuffle`, stored as 48: a
+// source gives `pixels` pixels a vector. (Four vectors to three whole stores
+// measured slower from memory.) Answers the first pixel left over.
 template <class Source>
 uint32_t Keep12Of16(const Source& source, __m512i shuffle, uint8_t* dst, uint32_t w) {
   constexpr uint32_t pixels = Source::pixels, outBytes = 48 / pixels;
-  // After the shuffle each lane holds three dwords of output; these gather
-  // the output's dwords 0-15, 16-31 and 32-47 from pairs of inputs.
-  const __m512i pack[3] = {_mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20),
-                           _mm512_setr_epi32(5, 6, 8, 9, 10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25),
-                           _mm512_setr_epi32(10, 12, 13, 14, 16, 17, 18, 20, 21, 22, 24, 25, 26, 28, 29, 30)};
+  const __m512i pack = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
   uint32_t x = 0;
-  for (; w - x >= 4 * pixels; x += 4 * pixels) {
-    __m512i in[4];
-    for (int i = 0; i < 4; ++i) in[i] = _mm512_shuffle_epi8(source(x + pixels * i), shuffle);
-    uint8_t* out = dst + outBytes * size_t(x);
-    Store(out, _mm512_permutex2var_epi32(in[0], pack[0], in[1]));
-    Store(out + 64, _mm512_permutex2var_epi32(in[1], pack[1], in[2]));
-    Store(out + 128, _mm512_permutex2var_epi32(in[2], pack[2], in[3]));
-  }
   for (; w - x >= pixels; x += pixels) {
-    const __m512i v = _mm512_permutexvar_epi32(pack[0], _mm512_shuffle_epi8(source(x), shuffle));
+    const __m512i v = _mm512_permutexvar_epi32(pack, _mm512_shuffle_epi8(source(x), shuffle));
     uint8_t* out = dst + outBytes * size_t(x);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(v));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(v, 2));

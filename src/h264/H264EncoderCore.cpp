@@ -1,7 +1,6 @@
 #include "h264/H264EncoderCore.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "h264/AnnexB.h"

@@ -123,6 +123,70 @@ class KESTRELINK_API CIppImageConverter {
   bool BGR48PToBGR24(uint32_t w, uint32_t h, int32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);  // p1 red
 
   // YUV sources and the static encoders.
+  // Packed YUV to BGRx, BGR24 and RGB24. The plain path is studio-range
+  // YCbCr; the colour map (BGRx and BGR24 targets) uses the library's integer
+  // formula before the tables, so the two paths differ even with identity
+  // tables. Widths are multiples of the group (2, or 4 for UVY411); the plain
+  // path leaves the columns of a partial last group as they were.
+  bool YUV422ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  bool YUV422ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool YUV422ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY422ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  bool UVY422ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY422ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY411ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  bool UVY411ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY411ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY444ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);  // plain path: fourth byte 0
+  bool UVY444ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY444ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  // U Y0 Y1 V Y2 Y3 to Y0 U Y1 V Y2 U Y3 V, each chroma byte used twice.
+  bool UVY411ToYUV422(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  // Studio-range BGR to Y0 U Y1 V. With flip, BGR24ToYUV422 answers the
+  // encode's result but leaves dst unwritten: a settled behaviour callers
+  // depend on.
+  bool BGR24ToYUV422(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool BGR32ToYUV422(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  // 10- and 20-bit 4:2:2 through the integer formula, no colour map. The
+  // 10-bit rows are ((w + 47) / 48) * 128 bytes apart. BGRx fourth byte: as
+  // it was.
+  bool YUV422_10BitPPToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool YUV422_10BitPPToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool YUV422_20BitToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool YUV422_20BitToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  // Four-byte pixels s0 s1 s2 s3 to three bytes s2 s0 s1, whatever the name says.
+  bool YUV444PToUVY444(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+
+  // Static encoders to planar Y, U, V (chroma planes w >> 1 wide; 4:2:0 ones
+  // h / 2 high). The RGB sources are studio-range. Settled flip behaviours:
+  // the RGB-source encoders write U's data into both chroma planes, and their
+  // ...ToYUV420P forms write h chroma rows, so the planes need (w >> 1) * h
+  // bytes; the row-pair ...ToYUV420P loops flip by pairs of rows, and
+  // YUV444ToYUV420P puts its chroma rows w / 4 bytes late (its planes need
+  // w / 4 bytes of room past the end). YUV444 is U Y V per pixel, YUV411 is
+  // U Y0 Y1 V Y2 Y3.
+  static bool BGR24PackedToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool RGB24PackedToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR32PackedToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR555PackedToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR565PackedToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV444ToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool UVY422ToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV422ToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV411ToYUV422P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGRPlannerToYUV422P(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* Y, void* U, void* V,
+                                  bool flip);  // planes R, G, B
+  static bool BGR24PackedToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool RGB24PackedToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR32PackedToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR555PackedToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGR565PackedToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV444ToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool UVY422ToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV422ToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool YUV411ToYUV420P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
+  static bool BGRPlannerToYUV420P(uint32_t w, uint32_t h, void* p1, void* p2, void* p3, void* Y, void* U, void* V,
+                                  bool flip);  // planes R, G, B
 
   // Colour-map settings, forwarded to the engine as they stand.
   void SetImageColorMap(bool enable);
@@ -142,6 +206,11 @@ class KESTRELINK_API CIppImageConverter {
  private:
   // Copies row r of src to row rows-1-r of dst; the two must not overlap.
   static void FlipImage(const void* src, uint32_t rowBytes, uint32_t rows, void* dst);
+  // U Y0 Y1 V Y2 Y3 groups to planes of steps w, w / 4, w / 4, the row flip
+  // on the planes. Y is typed as words but takes plain bytes, as it always has.
+  static bool YUV411ToYUV411P(uint32_t w, uint32_t h, void* src, uint16_t* Y, void* U, void* V, bool flip);
+  // U Y V pixels to the three planes.
+  static bool YUV444ToYUV444P(uint32_t w, uint32_t h, void* src, void* Y, void* U, void* V, bool flip);
 
   CColorMapEngine* m_Engine;
   uint32_t Gray8[256];   // i * 0x10101: a grey BGRx pixel, fourth byte 0

@@ -120,6 +120,15 @@ class CColorMapEngine {
   bool BGR48PToBGR24(uint32_t w, uint32_t h, int32_t d, void* p1, void* p2, void* p3, void* dst, bool flip);
 
   // YUV sources.
+  // The library's integer formula per pixel, then tables 0, 1, 2 for B, G, R.
+  bool YUV422ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool YUV422ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY422ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY422ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY411ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY411ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY444ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
+  bool UVY444ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip);
 
  private:
   void Reset();

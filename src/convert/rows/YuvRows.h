@@ -1,0 +1,35 @@
+#pragma once
+// Rows of the 10- and 20-bit 4:2:2 layouts through the library's integer
+// formula (convert/YuvFormula.h), one table per processor variant; every
+// variant gives the bytes of the portable one. Rows write exactly `w` pixels;
+// BGRx rows keep the fourth byte.
+//   10-bit packed: 16 bytes hold six pixels as four little-endian words of
+//   three 10-bit samples (bits 0-9, 10-19, 20-29): U0 Y0 V0 | Y1 U1 Y2 |
+//   V1 Y3 U2 | Y4 V2 Y5; each sample gives its top 8 bits, no rounding.
+//   20-bit: four 16-bit words Y0 U Y1 V a pair, each taken >> 2; the words
+//   of a partial last pair that lie past the row count as 0.
+#include <cstdint>
+
+#include "primitives/Variant.h"
+
+namespace kestrelink::rows {
+
+struct YuvRowKernels {
+  void (*p10_to_bgr24)(const uint8_t* src, uint8_t* dst, uint32_t w);
+  void (*p10_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t w);
+  void (*w20_to_bgr24)(const uint8_t* src, uint8_t* dst, uint32_t w);
+  void (*w20_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t w);
+};
+
+extern const YuvRowKernels kYuvRowsPortable;
+
+inline const YuvRowKernels& YuvRows() {
+  static const YuvRowKernels* const slots[kVariantCount] = {&kYuvRowsPortable, nullptr, nullptr, nullptr, nullptr};
+  return PickVariant(slots);
+}
+
+// Portable rows, also the tails of the vector variants.
+void Packed10ToBgr24Portable(const uint8_t* src, uint8_t* dst, uint32_t w);
+void Packed10ToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t w);
+
+}  // namespace kestrelink::rows

@@ -1,6 +1,7 @@
 #pragma once
 // Everything a program that links libkestrelink.so needs.
 #include <kestrelink/CH264Conversion.h>
+#include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/DebugOutput.h>

@@ -4,4 +4,5 @@
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
+#include <kestrelink/CIppWavletCompression.h>
 #include <kestrelink/DebugOutput.h>

@@ -103,6 +103,7 @@ expect_refusal() {  # status fragment args...
 (cd "$work" && "$tool" demo --size 64x48 >"$work/demo.txt") || fail "demo exited non-zero"
 demo_dir=$(cd "$work" && pwd -P)/kestrelink-demo
 grep -qxF "$demo_dir" "$work/demo.txt" || fail "demo did not print its folder $demo_dir: $(head -1 "$work/demo.txt")"
+grep -q "^wavelet round trip .* bytes, largest difference [0-9]" "$work/demo.txt" || fail "demo printed no wavelet round trip"
 expect_png "$demo_dir/01-scene-mono16.png" 64 48 16 0
 expect_png "$demo_dir/02-mono8.png" 64 48 8 0
 expect_png "$demo_dir/03-bgrx.png" 64 48 8 2
@@ -336,6 +337,36 @@ status=0
 status=0
 "$tool" h264 encode --size 64x48 "$work/in16.raw" "$work/x.records" >/dev/null 2>&1 || status=$?
 [[ $status == 1 ]] || fail "h264 encode of a partial frame: exit $status, want 1"
+
+# --- wavelet encode and decode ----------------------------------------------
+# A black 40x40 frame is four empty blocks: two bytes each (FF D0) behind their
+# lengths, after the 20-byte total.
+head -c 1600 /dev/zero >"$work/black.raw"
+"$tool" wavelet encode --size 40x40 "$work/black.raw" "$work/black.wvl" >/dev/null || fail "wavelet encode: exit $?"
+expect_bytes "wavelet frame of a black 40x40 frame" "$work/black.wvl" \
+  "14 00 00 00 02 00 ff d0 02 00 ff d0 02 00 ff d0 02 00 ff d0"
+# A 12-bit ramp comes back within a few grey levels, as encode reports.
+python3 - "$work/ramp12.raw" <<'PYTHON'
+import sys
+w, h = 72, 50
+with open(sys.argv[1], "wb") as f:
+    f.write(b"".join(((x * 40 + y * 17) % 4096).to_bytes(2, "little") for y in range(h) for x in range(w)))
+PYTHON
+"$tool" wavelet encode --size 72x50 --bits 12 --levels 4 "$work/ramp12.raw" "$work/ramp12.wvl" >"$work/wavelet.txt" ||
+  fail "wavelet encode 12 bits: exit $?"
+grep -q "largest difference" "$work/wavelet.txt" || fail "wavelet encode printed no difference"
+"$tool" wavelet decode --size 72x50 --bits 12 --levels 4 "$work/ramp12.wvl" "$work/ramp12.back" ||
+  fail "wavelet decode: exit $?"
+python3 - "$work/ramp12.raw" "$work/ramp12.back" "$(sed 's/.*largest difference \([0-9]*\).*/\1/' "$work/wavelet.txt")" <<'PYTHON' ||
+import sys
+a, b = open(sys.argv[1], "rb").read(), open(sys.argv[2], "rb").read()
+worst = max(abs(int.from_bytes(a[i:i + 2], "little") - int.from_bytes(b[i:i + 2], "little")) for i in range(0, len(a), 2))
+sys.exit(0 if len(a) == len(b) and worst == int(sys.argv[3]) and worst <= 20 else 1)
+PYTHON
+  fail "wavelet decode does not match what encode reported"
+head -c 10 "$work/ramp12.wvl" >"$work/short.wvl"
+expect_refusal 1 "too short" wavelet decode --size 72x50 --bits 12 "$work/short.wvl" "$work/x.raw"
+expect_refusal 2 "missing --size" wavelet encode "$work/black.raw" "$work/x.wvl"
 
 if ((failures)); then
   echo "$failures check(s) failed" >&2

@@ -14,6 +14,7 @@
 #include "SyntheticScene.h"
 #include "ToolError.h"
 #include "Verbs.h"
+#include "WaveletVerb.h"
 
 namespace kestrelink::tool {
 
@@ -138,6 +139,11 @@ int RunDemo(std::span<const std::string_view> args) {
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';
   RunH264Demo(w, h, kDemoH264Frames);
+  std::vector<uint8_t> waveletStream;
+  const WaveletTrip trip =
+      WaveletRoundTrip(size, int(kDemoDepth), 3, std::vector<uint8_t>(frame.begin(), frame.end()), waveletStream);
+  std::cout << "wavelet round trip (12 bits, 3 levels): " << frame.size() << " bytes -> " << trip.bytes
+            << " bytes, largest difference " << trip.largestDifference << '\n';
   return 0;
 }
 

@@ -1,0 +1,19 @@
+// The coder factories of the wavelet codec.
+#include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/Speck2Compressor.h"
+
+namespace kestrelink::wavelet {
+
+std::unique_ptr<CCompressor> MakeCompressor(uint32_t coderType) {
+  if (coderType == 1) return std::make_unique<CSpeck2Compressor>();
+  return nullptr;
+}
+
+std::unique_ptr<CCompressor> MakeCoder(CoderKind kind) {
+  switch (kind) {
+    case CoderKind::Speck2: return std::make_unique<CSpeck2Compressor>();
+    default: return nullptr;
+  }
+}
+
+}  // namespace kestrelink::wavelet

@@ -247,6 +247,18 @@ expect_refusal 2 "no conversion from bgr555 to bgr48" convert --from bgr555 --to
   "$work/x.raw"
 expect_refusal 2 "--depth" convert --from bgr565 --depth 12 --to bgr24 --size 1x1 "$work/white565.raw" "$work/x.raw"
 
+# --- the YUV family ---------------------------------------------------------
+# Grey YUV422 (Y 100, U = V = 128): studio range gives 98 on the plain path,
+# the integer formula 100, 101, 100 through the colour map (identity LUT).
+printf '\x64\x80\x64\x80' >"$work/grey422.raw"
+expect_conversion "yuv422 -> bgr24" "62 62 62 62 62 62" --from yuv422 --to bgr24 --size 2x1 "$work/grey422.raw"
+printf '0,0,0,0,\n' >"$work/one.lut"
+expect_conversion "yuv422 -> bgr24, colour map" "64 65 64 64 65 64" --from yuv422 --to bgr24 --lut "$work/one.lut" \
+  --size 2x1 "$work/grey422.raw"
+# A pure red 2x2 BGR24 frame to planar 4:2:0: Y 81 each, U 90, V 240.
+printf '\x00\x00\xff\x00\x00\xff\x00\x00\xff\x00\x00\xff' >"$work/red.raw"
+expect_conversion "bgr24 -> yuv420p" "51 51 51 51 5a f0" --from bgr24 --to yuv420p --size 2x2 "$work/red.raw"
+
 # --- refusals ------------------------------------------------------------
 expect_refusal 2 "--depth for mono12p sources is 10 or 12" convert --from mono12p --depth 14 --to mono16 --size 2x1 \
   "$work/pair.raw" "$work/x.raw"

@@ -19,6 +19,26 @@ void* Plane(void* frame, const FrameJob& j, int i, uint32_t sample) {
   return static_cast<uint8_t*>(frame) + size_t(i) * j.width * j.height * sample;
 }
 
+// Planar YUV targets, planes Y, U, V one after another. The V plane is first
+// given w / 2 * h bytes after U's start, room for the h chroma rows that the
+// flipped 4:2:0 encoders write, and a 4:2:0 V is then moved up behind U.
+template <class Encode>
+bool ToPlanarYuv(const FrameJob& j, bool is420, Encode encode) {
+  const size_t luma = size_t(j.width) * j.height, room = size_t(j.width / 2) * j.height;
+  auto* y = static_cast<uint8_t*>(j.dst);
+  if (!encode(y, y + luma, y + luma + room)) return false;
+  if (is420) std::memmove(y + luma + size_t(j.width / 2) * (j.height / 2), y + luma + room, room / 2);
+  return true;
+}
+
+using YuvEncoder = bool (*)(uint32_t, uint32_t, void*, void*, void*, void*, bool);
+bool Encode422(YuvEncoder encoder, const FrameJob& j) {
+  return ToPlanarYuv(j, false, [&](void* y, void* u, void* v) { return encoder(j.width, j.height, j.src, y, u, v, j.flip); });
+}
+bool Encode420(YuvEncoder encoder, const FrameJob& j) {
+  return ToPlanarYuv(j, true, [&](void* y, void* u, void* v) { return encoder(j.width, j.height, j.src, y, u, v, j.flip); });
+}
+
 const Conversion kConversions[] = {
     {L::Mono8, L::Bgrx, "Mono8ToBGRx", true,
      [](C& c, const FrameJob& j) { return c.Mono8ToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
@@ -173,6 +193,51 @@ const Conversion kConversions[] = {
      [](C& c, const FrameJob& j) { return c.BGR42PToBGRx(j.width, j.height, j.depth, Plane(j.src, j, 0, 2), Plane(j.src, j, 1, 2), Plane(j.src, j, 2, 2), j.dst, j.flip); }},
     {L::Bgr48p, L::Bgr24, "BGR48PToBGR24", true,
      [](C& c, const FrameJob& j) { return c.BGR48PToBGR24(j.width, j.height, int32_t(j.depth), Plane(j.src, j, 0, 2), Plane(j.src, j, 1, 2), Plane(j.src, j, 2, 2), j.dst, j.flip); }},
+    // The YUV family, and the encoders to packed and planar YUV; planar RGB
+    // sources to YUV take their planes as R, G, B.
+    {L::Yuv422, L::Bgrx, "YUV422ToBGRx", true, [](C& c, const FrameJob& j) { return c.YUV422ToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422, L::Bgr24, "YUV422ToBGR24", true, [](C& c, const FrameJob& j) { return c.YUV422ToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422, L::Rgb24, "YUV422ToRGB24", false, [](C& c, const FrameJob& j) { return c.YUV422ToRGB24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422, L::Yuv422p, "YUV422ToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::YUV422ToYUV422P, j); }},
+    {L::Yuv422, L::Yuv420p, "YUV422ToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::YUV422ToYUV420P, j); }},
+    {L::Uvy422, L::Bgrx, "UVY422ToBGRx", true, [](C& c, const FrameJob& j) { return c.UVY422ToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy422, L::Bgr24, "UVY422ToBGR24", true, [](C& c, const FrameJob& j) { return c.UVY422ToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy422, L::Rgb24, "UVY422ToRGB24", false, [](C& c, const FrameJob& j) { return c.UVY422ToRGB24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy422, L::Yuv422p, "UVY422ToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::UVY422ToYUV422P, j); }},
+    {L::Uvy422, L::Yuv420p, "UVY422ToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::UVY422ToYUV420P, j); }},
+    {L::Uvy411, L::Bgrx, "UVY411ToBGRx", true, [](C& c, const FrameJob& j) { return c.UVY411ToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy411, L::Bgr24, "UVY411ToBGR24", true, [](C& c, const FrameJob& j) { return c.UVY411ToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy411, L::Rgb24, "UVY411ToRGB24", false, [](C& c, const FrameJob& j) { return c.UVY411ToRGB24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy411, L::Yuv422, "UVY411ToYUV422", false, [](C& c, const FrameJob& j) { return c.UVY411ToYUV422(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy411, L::Yuv422p, "YUV411ToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::YUV411ToYUV422P, j); }},
+    {L::Uvy411, L::Yuv420p, "YUV411ToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::YUV411ToYUV420P, j); }},
+    {L::Uvy444, L::Bgrx, "UVY444ToBGRx", true, [](C& c, const FrameJob& j) { return c.UVY444ToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy444, L::Bgr24, "UVY444ToBGR24", true, [](C& c, const FrameJob& j) { return c.UVY444ToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy444, L::Rgb24, "UVY444ToRGB24", false, [](C& c, const FrameJob& j) { return c.UVY444ToRGB24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Uvy444, L::Yuv422p, "YUV444ToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::YUV444ToYUV422P, j); }},
+    {L::Uvy444, L::Yuv420p, "YUV444ToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::YUV444ToYUV420P, j); }},
+    {L::Yuv422_20Bit, L::Bgrx, "YUV422_20BitToBGRx", false, [](C& c, const FrameJob& j) { return c.YUV422_20BitToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422_20Bit, L::Bgr24, "YUV422_20BitToBGR24", false, [](C& c, const FrameJob& j) { return c.YUV422_20BitToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422_10BitPP, L::Bgrx, "YUV422_10BitPPToBGRx", false, [](C& c, const FrameJob& j) { return c.YUV422_10BitPPToBGRx(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Yuv422_10BitPP, L::Bgr24, "YUV422_10BitPPToBGR24", false, [](C& c, const FrameJob& j) { return c.YUV422_10BitPPToBGR24(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Bgr24, L::Yuv422, "BGR24ToYUV422", false, [](C& c, const FrameJob& j) { return c.BGR24ToYUV422(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Bgrx, L::Yuv422, "BGR32ToYUV422", false, [](C& c, const FrameJob& j) { return c.BGR32ToYUV422(j.width, j.height, j.src, j.dst, j.flip); }},
+    {L::Bgr24, L::Yuv422p, "BGR24PackedToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::BGR24PackedToYUV422P, j); }},
+    {L::Bgr24, L::Yuv420p, "BGR24PackedToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::BGR24PackedToYUV420P, j); }},
+    {L::Rgb24, L::Yuv422p, "RGB24PackedToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::RGB24PackedToYUV422P, j); }},
+    {L::Rgb24, L::Yuv420p, "RGB24PackedToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::RGB24PackedToYUV420P, j); }},
+    {L::Bgrx, L::Yuv422p, "BGR32PackedToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::BGR32PackedToYUV422P, j); }},
+    {L::Bgrx, L::Yuv420p, "BGR32PackedToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::BGR32PackedToYUV420P, j); }},
+    {L::Bgr555, L::Yuv422p, "BGR555PackedToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::BGR555PackedToYUV422P, j); }},
+    {L::Bgr555, L::Yuv420p, "BGR555PackedToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::BGR555PackedToYUV420P, j); }},
+    {L::Bgr565, L::Yuv422p, "BGR565PackedToYUV422P", false, [](C&, const FrameJob& j) { return Encode422(C::BGR565PackedToYUV422P, j); }},
+    {L::Bgr565, L::Yuv420p, "BGR565PackedToYUV420P", false, [](C&, const FrameJob& j) { return Encode420(C::BGR565PackedToYUV420P, j); }},
+    {L::Bgr24p, L::Yuv422p, "BGRPlannerToYUV422P", false, [](C&, const FrameJob& j) {
+       return ToPlanarYuv(j, false, [&](void* y, void* u, void* v) { return C::BGRPlannerToYUV422P(j.width, j.height, Plane(j.src, j, 0, 1), Plane(j.src, j, 1, 1), Plane(j.src, j, 2, 1), y, u, v, j.flip); });
+     }},
+    {L::Bgr24p, L::Yuv420p, "BGRPlannerToYUV420P", false, [](C&, const FrameJob& j) {
+       return ToPlanarYuv(j, true, [&](void* y, void* u, void* v) { return C::BGRPlannerToYUV420P(j.width, j.height, Plane(j.src, j, 0, 1), Plane(j.src, j, 1, 1), Plane(j.src, j, 2, 1), y, u, v, j.flip); });
+     }},
 };
 
 }  // namespace
@@ -219,7 +284,7 @@ std::vector<uint8_t> RunConversion(const Conversion& conversion, const ColourMap
                    std::to_string(height) + " frame at depth " + std::to_string(depth));
   for (uint64_t row = 1; rowPixelBytes != pixelBytes && row < height; ++row)  // rows packed tightly again
     std::memmove(&dst[row * width * pixelBytes], &dst[row * width * rowPixelBytes], size_t(width) * pixelBytes);
-  dst.resize(pixels * pixelBytes);
+  dst.resize(FrameBytes(LayoutOf(conversion.to), width, height));
   return dst;
 }
 

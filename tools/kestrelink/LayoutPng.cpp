@@ -97,6 +97,15 @@ PngImage LayoutToPng(LayoutId layout, uint32_t width, uint32_t height, uint32_t 
     case LayoutId::Bgr42p:
     case LayoutId::Bgr48p:
       throw RunError(std::string(LayoutOf(layout).name) + " is a source only; convert it to make a PNG");
+    case LayoutId::Yuv422:
+    case LayoutId::Uvy422:
+    case LayoutId::Uvy411:
+    case LayoutId::Uvy444:
+    case LayoutId::Yuv422_20Bit:
+    case LayoutId::Yuv422_10BitPP:
+    case LayoutId::Yuv422p:
+    case LayoutId::Yuv420p:
+      throw RunError(std::string(LayoutOf(layout).name) + " has no PNG form; write a raw file or convert to bgr24");
   }
   return image;
 }

@@ -61,6 +61,20 @@ constexpr Layout kLayouts[] = {
      "(a source only)"},
     {LayoutId::Bgr48p, "bgr48p", "BGR48P", "", 6, 0, "three planes of d-bit samples in 16-bit words",
      "(a source only)"},
+    // The YUV family; the planar targets are their planes Y, U, V one after another.
+    {LayoutId::Yuv422, "yuv422", "YUV422", "yuy2", 2, 8, "4 bytes a pixel pair: Y0, U, Y1, V", "(a raw file only)"},
+    {LayoutId::Uvy422, "uvy422", "UVY422", "uyvy", 2, 8, "4 bytes a pixel pair: U, Y0, V, Y1", "(a source only)"},
+    {LayoutId::Uvy411, "uvy411", "UVY411", "yuv411", 2, 8, "6 bytes for four pixels: U, Y0, Y1, V, Y2, Y3",
+     "(a source only)"},
+    {LayoutId::Uvy444, "uvy444", "UVY444", "yuv444", 3, 8, "3 bytes a pixel: U, Y, V", "(a source only)"},
+    {LayoutId::Yuv422_20Bit, "yuv422_20bit", "YUV422_20Bit", "", 4, 10,
+     "four 16-bit words a pixel pair, Y0, U, Y1, V, 10 bits each", "(a source only)"},
+    {LayoutId::Yuv422_10BitPP, "yuv422_10bitpp", "YUV422_10BitPP", "", 3, 10,
+     "six pixels in 16 bytes, three 10-bit samples a 32-bit word; rows of ((w + 47) / 48) * 128 bytes",
+     "(a source only)"},
+    {LayoutId::Yuv422p, "yuv422p", "YUV422P", "", 2, 8, "planes Y (w x h), U and V (w / 2 x h)", "(a raw file only)"},
+    {LayoutId::Yuv420p, "yuv420p", "YUV420P", "i420", 2, 8, "planes Y (w x h), U and V (w / 2 x h / 2)",
+     "(a raw file only)"},
 };
 
 bool SameLetters(std::string_view a, std::string_view b) {
@@ -89,12 +103,23 @@ const Layout* FindLayout(std::string_view name) {
 }
 
 uint64_t SourceBytes(const Layout& layout, uint32_t width, uint32_t height, uint32_t packedBits) {
-  if (!layout.groupPixels) return uint64_t(width) * height * layout.bytesPerPixel;
+  if (!layout.groupPixels) return FrameBytes(layout, width, height);
   if (height == 0) return 0;
   const uint64_t groups = (uint64_t(width) + layout.groupPixels - 1) / layout.groupPixels;
   const uint64_t last = height - 1;
   if (layout.groupPixels == 8) return ((last * width * 3) >> 3) * 4 + 12 * groups;  // PCO rows
   return ((last * width * std::max(packedBits, 12u)) >> 3) + 3 * groups;
+}
+
+uint64_t FrameBytes(const Layout& layout, uint32_t width, uint32_t height) {
+  const uint64_t pixels = uint64_t(width) * height, chroma = uint64_t(width / 2) * height;
+  switch (layout.id) {
+    case LayoutId::Uvy411: return (pixels * 3 + 1) / 2;
+    case LayoutId::Yuv422_10BitPP: return (uint64_t(width) + 47) / 48 * 128 * height;
+    case LayoutId::Yuv422p: return pixels + 2 * chroma;
+    case LayoutId::Yuv420p: return pixels + 2 * (uint64_t(width / 2) * (height / 2));
+    default: return pixels * layout.bytesPerPixel;
+  }
 }
 
 std::string LayoutNames() {

@@ -91,10 +91,8 @@ void Demosaic(const Sample* src, int64_t srcStep, uint32_t width, uint32_t heigh
                                              srcStep * int64_t(MirrorIndex(y, height)));
     };
     auto bitsOf = [&](int64_t y) {  // every bit set in row y
-      uint32_t seen = 0;
-      if constexpr (sizeof(Sample) == 2)
-        for (const Sample *p = rowAt(y), *end = p + width; p != end; ++p) seen |= *p;
-      return seen;
+      if constexpr (sizeof(Sample) == 2) return CfaRows().bits16(rowAt(y), width);
+      return 0u;
     };
     uint32_t rowBits[5];
     for (int r = 0; r < 5; ++r) rowBits[r] = bitsOf(int64_t(first) + r - 2);

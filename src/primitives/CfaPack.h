@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "convert/rows/ColourRowsCopy.h"
+#include "primitives/CfaRows.h"
 
 namespace kestrelink::cfa {
 
@@ -12,12 +13,7 @@ inline void PackPlanes(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, 
 }
 
 inline void PackPlanes(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint8_t* dst, uint32_t width) {
-  uint16_t* out = reinterpret_cast<uint16_t*>(dst);
-  for (uint32_t x = 0; x < width; ++x) {
-    out[3 * size_t(x)] = p0[x];
-    out[3 * size_t(x) + 1] = p1[x];
-    out[3 * size_t(x) + 2] = p2[x];
-  }
+  CfaRows().pack16(p0, p1, p2, reinterpret_cast<uint16_t*>(dst), width);
 }
 
 }  // namespace kestrelink::cfa

@@ -43,6 +43,10 @@ struct CfaRowKernels {
   void (*interior8)(const Window8& in, PlaneRow<uint8_t> out, uint32_t x0, uint32_t x1);
   // Samples are clamped to `top` (an all-ones value up to 65535).
   void (*interior16)(const Window16& in, PlaneRow<uint16_t> out, uint32_t x0, uint32_t x1, uint32_t top);
+  // Three planes of 16-bit samples interleaved into pixels of three words, p0 first.
+  void (*pack16)(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w);
+  // Every bit set in a row of w samples.
+  uint32_t (*bits16)(const uint16_t* row, uint32_t w);
 };
 
 extern const CfaRowKernels kCfaRowsPortable;
@@ -59,5 +63,7 @@ inline const CfaRowKernels& CfaRows() {
 // Portable rows, also the tails of the vector variants.
 void Interior8Portable(const Window8& in, PlaneRow<uint8_t> out, uint32_t x0, uint32_t x1);
 void Interior16Portable(const Window16& in, PlaneRow<uint16_t> out, uint32_t x0, uint32_t x1, uint32_t top);
+void Pack16Portable(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w);
+uint32_t Bits16Portable(const uint16_t* row, uint32_t w);
 
 }  // namespace kestrelink::cfa

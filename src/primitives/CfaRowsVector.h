@@ -2,7 +2,8 @@
 // Body of the vector variants of the colour-filter-array rows, written once
 // with the compiler's vector types and built by each variant's translation
 // unit with its own instruction set and lane count (CFA_LANES, the pixels of
-// one step). Everything here stays in an anonymous namespace so that no
+// one step for 8-bit samples; 16-bit samples, computed in 32 bits, take half
+// as many so that a step stays one register wide). Everything here stays in an anonymous namespace so that no
 // variant's code is shared with another's.
 #include <cstring>
 
@@ -23,13 +24,15 @@ template <class Sample>
 struct Lanes;
 template <>
 struct Lanes<uint8_t> {
-  typedef uint8_t In __attribute__((vector_size(CFA_LANES)));
-  typedef int16_t Math __attribute__((vector_size(2 * CFA_LANES)));
+  static constexpr uint32_t kCount = CFA_LANES;
+  typedef uint8_t In __attribute__((vector_size(kCount)));
+  typedef int16_t Math __attribute__((vector_size(2 * kCount)));
 };
 template <>
 struct Lanes<uint16_t> {
-  typedef uint16_t In __attribute__((vector_size(2 * CFA_LANES)));
-  typedef int32_t Math __attribute__((vector_size(4 * CFA_LANES)));
+  static constexpr uint32_t kCount = CFA_LANES / 2;
+  typedef uint16_t In __attribute__((vector_size(2 * kCount)));
+  typedef int32_t Math __attribute__((vector_size(4 * kCount)));
 };
 
 template <class Sample>
@@ -53,14 +56,15 @@ template <class Sample, class Window>
 void Interior(const Window& in, PlaneRow<Sample> out, uint32_t x0, uint32_t x1, int topValue,
               void (*tail)(const Window&, PlaneRow<Sample>, uint32_t, uint32_t, int)) {
   using Math = typename Lanes<Sample>::Math;
+  constexpr uint32_t lanes = Lanes<Sample>::kCount;
   const Sample *r0 = in.row[0], *r1 = in.row[1], *r2 = in.row[2], *r3 = in.row[3], *r4 = in.row[4];
   Math xSite, top;
-  for (int i = 0; i < CFA_LANES; ++i) {  // lanes keep their parity: the step is even
-    xSite[i] = ((x0 + uint32_t(i)) & 1) != uint32_t(out.greenOdd) ? -1 : 0;
+  for (uint32_t i = 0; i < lanes; ++i) {  // lanes keep their parity: the step is even
+    xSite[i] = ((x0 + i) & 1) != uint32_t(out.greenOdd) ? -1 : 0;
     top[i] = topValue;
   }
   uint32_t x = x0;
-  for (; x + CFA_LANES <= x1; x += CFA_LANES) {
+  for (; x + lanes <= x1; x += lanes) {
     const Math c = Load(r2 + x);
     const Math h1 = Load(r2 + x - 1) + Load(r2 + x + 1), v1 = Load(r1 + x) + Load(r3 + x);
     const Math h2 = Load(r2 + x - 2) + Load(r2 + x + 2), v2 = Load(r0 + x) + Load(r4 + x);
@@ -89,6 +93,22 @@ void Interior8(const Window8& in, PlaneRow<uint8_t> out, uint32_t x0, uint32_t x
 }
 void Interior16(const Window16& in, PlaneRow<uint16_t> out, uint32_t x0, uint32_t x1, uint32_t top) {
   Interior<uint16_t>(in, out, x0, x1, int(top), PortableTail16);
+}
+
+// Plain loops, vectorised by the compiler for the variant's instruction set
+// (a variant with a hand-written interleave leaves the loop unused).
+[[maybe_unused]] void Pack16Loop(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w) {
+  for (uint32_t x = 0; x < w; ++x) {
+    dst[3 * size_t(x)] = p0[x];
+    dst[3 * size_t(x) + 1] = p1[x];
+    dst[3 * size_t(x) + 2] = p2[x];
+  }
+}
+
+uint32_t Bits16(const uint16_t* row, uint32_t w) {
+  uint16_t seen = 0;
+  for (uint32_t x = 0; x < w; ++x) seen |= row[x];
+  return seen;
 }
 
 }  // namespace

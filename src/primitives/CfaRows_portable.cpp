@@ -38,6 +38,20 @@ void Interior16Portable(const Window16& in, PlaneRow<uint16_t> out, uint32_t x0,
   Interior(in, out, x0, x1, int(top));
 }
 
-const CfaRowKernels kCfaRowsPortable = {Interior8Portable, Interior16Portable};
+void Pack16Portable(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w) {
+  for (uint32_t x = 0; x < w; ++x, dst += 3) {
+    dst[0] = p0[x];
+    dst[1] = p1[x];
+    dst[2] = p2[x];
+  }
+}
+
+uint32_t Bits16Portable(const uint16_t* row, uint32_t w) {
+  uint32_t seen = 0;
+  for (uint32_t x = 0; x < w; ++x) seen |= row[x];
+  return seen;
+}
+
+const CfaRowKernels kCfaRowsPortable = {Interior8Portable, Interior16Portable, Pack16Portable, Bits16Portable};
 
 }  // namespace kestrelink::cfa

@@ -63,4 +63,21 @@ TEST(CfaRowsVariant, EveryVariantMatchesThePortableRows) {
   }
 }
 
+TEST(CfaRowsVariant, WordInterleaveAndRowBitsMatchThePortableRows) {
+  for (const auto variant : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(variant);
+    for (const uint32_t w : {1u, 31u, 32u, 33u, 95u, 200u}) {
+      SCOPED_TRACE(std::string(kestrelink::VariantName(variant)) + " width " + std::to_string(w));
+      const Rows<uint16_t> in(w, 65536, w);
+      std::vector<uint16_t> want(3 * w + 5, 0x1234), got(3 * w + 5, 0x1234);
+      Pack16Portable(in.data[0].data(), in.data[1].data(), in.data[2].data(), want.data(), w);
+      CfaRows().pack16(in.data[0].data(), in.data[1].data(), in.data[2].data(), got.data(), w);
+      EXPECT_EQ(got, want);
+      const Rows<uint16_t> small(w, 3000, w + 1);
+      EXPECT_EQ(CfaRows().bits16(small.data[0].data(), w), Bits16Portable(small.data[0].data(), w));
+      EXPECT_EQ(CfaRows().bits16(in.data[1].data(), w), Bits16Portable(in.data[1].data(), w));
+    }
+  }
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "convert/YuvFormula.h"
+#include "convert/rows/YuvRows.h"
 #include "support/TestSupport.h"
 
 namespace {
@@ -155,6 +156,30 @@ TEST(YuvDeep, Words20ToBgr24AndBgrx) {
               }
             }
         }
+  }
+}
+
+TEST(YuvDeep, VectorRowsMatchPortable) {
+  namespace rows = kestrelink::rows;
+  for (auto variant : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant sv(variant);
+    for (uint32_t w : {1u, 5u, 6u, 11u, 12u, 13u, 47u, 48u, 577u, 1283u}) {
+      const uint32_t covered = (w + 5) / 6 * 6;
+      const auto src = RandomBytes(size_t(covered) / 6 * 16 + 64, w);
+      std::vector<uint16_t> want(3 * (covered + rows::kPlanePadding)), got(want.size());
+      uint16_t* p = want.data();
+      uint16_t* q = got.data();
+      const size_t n = covered + rows::kPlanePadding;
+      rows::Packed10ToPlanesPortable(src.data(), p, p + n, p + 2 * n, w);
+      rows::YuvRows().p10_to_planes(src.data(), q, q + n, q + 2 * n, w);
+      for (int c = 0; c < 3; ++c)
+        for (uint32_t x = 0; x < covered; ++x)
+          ASSERT_EQ(got[c * n + x], want[c * n + x]) << kestrelink::VariantName(variant) << " w " << w << " x " << x;
+      std::vector<uint8_t> a(size_t(w) * 4, 1), b(a);
+      rows::Words20ToBgrxPortable(src.data(), a.data(), w);
+      rows::YuvRows().w20_to_bgrx(src.data(), b.data(), w);
+      ASSERT_EQ(a, b) << kestrelink::VariantName(variant) << " w " << w;
+    }
   }
 }
 

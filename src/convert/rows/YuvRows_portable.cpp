@@ -28,25 +28,22 @@ inline uint32_t Word(const uint8_t* p) {
 // Top 8 bits of the 10-bit sample at bit `shift` of `u`.
 inline int Top8(uint32_t u, int shift) { return int((u >> (shift + 2)) & 0xFF); }
 
-// Six pixels of a 16-byte group; `n` of them stored.
-template <class Store>
-void Packed10Group(const uint8_t* s, uint8_t* d, uint32_t n) {
-  const uint32_t w0 = Word(s), w1 = Word(s + 4), w2 = Word(s + 8), w3 = Word(s + 12);
-  const int y[6] = {Top8(w0, 10), Top8(w1, 0), Top8(w1, 20), Top8(w2, 10), Top8(w3, 0), Top8(w3, 20)};
-  const int u[3] = {Top8(w0, 0), Top8(w1, 10), Top8(w2, 20)};
-  const int v[3] = {Top8(w0, 20), Top8(w2, 0), Top8(w3, 10)};
-  for (uint32_t i = 0; i < n; ++i) {
-    const int c = int(i >> 1);
-    Store::Put(d + Store::kBytes * i, yuv::Pixel(y[i], u[c], v[c]));
+}  // namespace
+
+void Packed10ToPlanesPortable(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w) {
+  for (uint32_t x = 0; x < w; x += 6, src += 16) {
+    const uint32_t w0 = Word(src), w1 = Word(src + 4), w2 = Word(src + 8), w3 = Word(src + 12);
+    const int y[6] = {Top8(w0, 10), Top8(w1, 0), Top8(w1, 20), Top8(w2, 10), Top8(w3, 0), Top8(w3, 20)};
+    const int u[3] = {Top8(w0, 0), Top8(w1, 10), Top8(w2, 20)};
+    const int v[3] = {Top8(w0, 20), Top8(w2, 0), Top8(w3, 10)};
+    for (int i = 0; i < 6; ++i) {
+      const Bgr p = yuv::Pixel(y[i], u[i >> 1], v[i >> 1]);
+      b[x + i] = p.b, g[x + i] = p.g, r[x + i] = p.r;
+    }
   }
 }
 
-template <class Store>
-void Packed10Row(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  uint32_t x = 0;
-  for (; x + 6 <= w; x += 6) Packed10Group<Store>(src + (x / 6) * 16, dst + Store::kBytes * x, 6);
-  if (x < w) Packed10Group<Store>(src + (x / 6) * 16, dst + Store::kBytes * x, w - x);
-}
+namespace {
 
 inline int Word20(const uint8_t* p) { return (p[0] | (p[1] << 8)) >> 2; }
 
@@ -66,10 +63,9 @@ void Words20Row(const uint8_t* src, uint8_t* dst, uint32_t w) {
 
 }  // namespace
 
-void Packed10ToBgr24Portable(const uint8_t* src, uint8_t* dst, uint32_t w) { Packed10Row<StoreBgr24>(src, dst, w); }
-void Packed10ToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t w) { Packed10Row<StoreBgrx>(src, dst, w); }
+void Words20ToBgr24Portable(const uint8_t* src, uint8_t* dst, uint32_t w) { Words20Row<StoreBgr24>(src, dst, w); }
+void Words20ToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t w) { Words20Row<StoreBgrx>(src, dst, w); }
 
-const YuvRowKernels kYuvRowsPortable = {Packed10ToBgr24Portable, Packed10ToBgrxPortable, Words20Row<StoreBgr24>,
-                                        Words20Row<StoreBgrx>};
+const YuvRowKernels kYuvRowsPortable = {Packed10ToPlanesPortable, Words20ToBgr24Portable, Words20ToBgrxPortable};
 
 }  // namespace kestrelink::rows

@@ -380,6 +380,34 @@ head -c 10 "$work/ramp12.wvl" >"$work/short.wvl"
 expect_refusal 1 "too short" wavelet decode --size 72x50 --bits 12 "$work/short.wvl" "$work/x.raw"
 expect_refusal 2 "missing --size" wavelet encode "$work/black.raw" "$work/x.wvl"
 
+# --- demosaic -------------------------------------------------------------
+# A 6x4 RGGB frame of one colour (red 200, green 100, blue 50) comes back as
+# that colour at every pixel, blue first; a balance adds to red and blue
+# (on 12-bit frames it acts on the narrowed 8-bit samples).
+python3 - "$work/rggb.raw" "$work/rggb12.raw" <<'PYTHON'
+import sys
+site = lambda x, y: (200, 100, 50)[(y & 1) + (x & 1)]
+open(sys.argv[1], "wb").write(bytes(site(x, y) for y in range(4) for x in range(6)))
+open(sys.argv[2], "wb").write(b"".join((site(x, y) * 16).to_bytes(2, "little") for y in range(4) for x in range(6)))
+PYTHON
+"$tool" demosaic --pattern RGGB --size 6x4 "$work/rggb.raw" "$work/rggb.bgr" || fail "demosaic: exit $?"
+expect_bytes "demosaic of one colour" "$work/rggb.bgr" "$(printf '32 64 c8 %.0s' {1..24} | sed 's/ $//')"
+"$tool" demosaic --pattern RGGB --depth 12 --size 6x4 --balance 10,0,-20 "$work/rggb12.raw" "$work/rggb12.bgr" ||
+  fail "demosaic --balance: exit $?"
+expect_bytes "demosaic of 12 bits with a balance" "$work/rggb12.bgr" "$(printf '1e 64 d2 %.0s' {1..24} | sed 's/ $//')"
+"$tool" demosaic --pattern BGGR --size 6x4 "$work/rggb.raw" "$work/bggr.bgr" || fail "demosaic BGGR: exit $?"
+[[ $(hex_at "$work/bggr.bgr" 0 3) == "c8 64 32" ]] || fail "demosaic BGGR did not exchange red and blue"
+printf '[0-256],1,2,3\n' >"$work/table.txt"
+"$tool" demosaic --size 6x4 --lut "$work/table.txt" "$work/rggb.raw" "$work/lut.bgr" || fail "demosaic --lut: exit $?"
+expect_bytes "demosaic through a table file" "$work/lut.bgr" "$(printf '03 02 01 %.0s' {1..24} | sed 's/ $//')"
+"$tool" demosaic --depth 12 --size 64x48 --auto gray-gain "$demo_dir/13-bayer-rggb12.raw" "$work/bayer.png" ||
+  fail "demosaic of the demo's Bayer frame: exit $?"
+expect_png "$work/bayer.png" 64 48 8 2
+expect_png "$demo_dir/14-bayer-demosaic.png" 64 48 8 2
+expect_refusal 2 "--auto wants" demosaic --size 6x4 --auto brightest "$work/rggb.raw" "$work/x.bgr"
+expect_refusal 2 "exclude each other" demosaic --size 6x4 --auto gray-gain --balance 1,2,3 "$work/rggb.raw" "$work/x.bgr"
+expect_refusal 1 "Bayer frame" demosaic --size 60x4 "$work/rggb.raw" "$work/x.bgr"
+
 if ((failures)); then
   echo "$failures check(s) failed" >&2
   exit 1

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -9,6 +10,8 @@
 #include "Args.h"
 #include "ColourMap.h"
 #include "Conversions.h"
+#include "DemosaicVerb.h"
+#include "FrameFile.h"
 #include "LayoutPng.h"
 #include "PngFile.h"
 #include "SyntheticScene.h"
@@ -135,6 +138,13 @@ int RunDemo(std::span<const std::string_view> args) {
     WritePng((path / shot.file).string(), LayoutToPng(shot.to, w, h, kDemoDepth, dst));
     written.emplace_back(shot.file, shot.what);
   }
+
+  std::vector<uint16_t> mosaic = MakeBayerFrame(size, kDemoDepth);
+  const std::string bayerRaw = "13-bayer-rggb12.raw", bayerPng = "14-bayer-demosaic.png";
+  WriteRawFile((path / bayerRaw).string(), std::span(reinterpret_cast<const uint8_t*>(mosaic.data()), mosaic.size() * 2));
+  written.emplace_back(bayerRaw, "the scene as a raw RGGB Bayer frame, 12 bits in 16-bit words");
+  WritePng((path / bayerPng).string(), DemosaicToPng(size, kDemoDepth, mosaic));
+  written.emplace_back(bayerPng, "that Bayer frame demosaiced (kestrelink demosaic)");
 
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';

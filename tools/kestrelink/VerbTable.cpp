@@ -1,5 +1,6 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
 #include "CompressVerbs.h"
+#include "DemosaicVerb.h"
 #include "Verbs.h"
 #include "WaveletVerb.h"
 
@@ -14,6 +15,8 @@ constexpr Verb kVerbs[] = {
      PrintDecompressUsage},
     {"demo", "write example conversions of a built-in synthetic camera frame as PNG files", RunDemo,
      PrintDemoUsage},
+    {"demosaic", "demosaic a raw Bayer frame to colour, with a colour balance or correction tables", RunDemosaic,
+     PrintDemosaicUsage},
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
     {"wavelet", "encode a grey frame with the block wavelet codec, or decode it back", RunWavelet,

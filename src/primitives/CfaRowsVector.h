@@ -63,8 +63,12 @@ void Interior(const Window& in, PlaneRow<Sample> out, uint32_t x0, uint32_t x1, 
     xSite[i] = ((x0 + i) & 1) != uint32_t(out.greenOdd) ? -1 : 0;
     top[i] = topValue;
   }
-  uint32_t x = x0;
-  for (; x + lanes <= x1; x += lanes) {
+  // Whole vectors; the last one steps back over pixels already done (to an
+  // even distance, so the lane parities hold) and writes them again alike.
+  const uint32_t span = x1 - x0;
+  if (span <= lanes) return tail(in, out, x0, x1, topValue);
+  const uint32_t last = x0 + ((span - lanes) & ~1u);
+  for (uint32_t x = x0;; x = x + lanes < last ? x + lanes : last) {
     const Math c = Load(r2 + x);
     const Math h1 = Load(r2 + x - 1) + Load(r2 + x + 1), v1 = Load(r1 + x) + Load(r3 + x);
     const Math h2 = Load(r2 + x - 2) + Load(r2 + x + 2), v2 = Load(r0 + x) + Load(r4 + x);
@@ -77,8 +81,9 @@ void Interior(const Window& in, PlaneRow<Sample> out, uint32_t x0, uint32_t x1, 
     Store(out.x + x, xSite ? c16 : across, top);
     Store(out.g + x, xSite ? green : c16, top);
     Store(out.y + x, xSite ? diagonal : down, top);
+    if (x == last) break;
   }
-  if (x < x1) tail(in, out, x, x1, topValue);
+  if (last + lanes < x1) tail(in, out, last + lanes, x1, topValue);  // an odd span's final pixel
 }
 
 void PortableTail8(const Window8& in, PlaneRow<uint8_t> out, uint32_t x0, uint32_t x1, int) {

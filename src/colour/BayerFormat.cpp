@@ -21,6 +21,18 @@ bool LookTablesWanted(const CBayerCorrectorImpl& s) {
          (s.cbAlgorithm == CB_ALG_LOOK_3D_TABLE || s.cbAlgorithm == CB_ALG_LOOK_3D_EXACT);
 }
 
+// The tables the mode builds for itself: manual ones, or the look's per-sample
+// tables; either makes them valid. Other modes leave them as they are.
+void BuildTablesOfTheMode(CBayerCorrectorImpl& s) {
+  if (s.correctionMode == CORRECTION_MANUAL) {
+    BuildManualLut(s);
+    s.bLutValid = true;
+  } else if (LookTablesWanted(s)) {
+    BuildLookTables(s);
+    s.bLutValid = true;
+  }
+}
+
 }  // namespace
 
 bool CIppBayerCorrector::SetImageInfo4CB(uint32_t width, uint32_t height, uint32_t bitsPerPixel, uint32_t bitDepth,
@@ -36,14 +48,7 @@ bool CIppBayerCorrector::SetImageInfo4CB(uint32_t width, uint32_t height, uint32
   s.formatCode = formatCode;
   s.lutBits = 8;
   s.bInitialised = true;
-  if (s.bLutValid) return true;  // a loaded predefined table survives here
-  if (s.correctionMode == CORRECTION_MANUAL) {
-    BuildManualLut(s);
-    s.bLutValid = true;
-  } else if (LookTablesWanted(s)) {
-    BuildLookTables(s);
-    s.bLutValid = true;
-  }
+  if (!s.bLutValid) BuildTablesOfTheMode(s);  // a loaded predefined table survives here
   return true;
 }
 
@@ -64,14 +69,7 @@ bool CIppBayerCorrector::CheckFormat4CB(uint32_t width, uint32_t height, uint32_
     }
   } else if (depthSame) {
     if (width == s.width && height == s.height && bitsPerPixel == s.bitsPerPixel && formatCode == s.formatCode) {
-      if (s.bLutValid) return true;
-      if (s.correctionMode == CORRECTION_MANUAL) {
-        BuildManualLut(s);
-        s.bLutValid = true;
-      } else if (LookTablesWanted(s)) {
-        BuildLookTables(s);
-        s.bLutValid = true;
-      }
+      if (!s.bLutValid) BuildTablesOfTheMode(s);
       return true;
     }
     s.width = width;

@@ -1,22 +1,25 @@
 // 4:1:1 and 4:4:4 sources (UVY411: U Y0 Y1 V Y2 Y3; UVY444: U Y V) to BGRx,
-// BGR24 and RGB24 in two steps: the source is sorted into scratch planes (or,
-// for UVY411ToRGB24, packed 4:2:2) with the flip applied there, and a
-// studio-range primitive converts the scratch into the destination. Also the
-// byte re-orderings that serve them.
+// BGR24 and RGB24, studio range, and the byte re-orderings of the family.
+// The conversions go a piece of a row at a time through the thread's own
+// small buffer and the vector rows of packed 4:2:2: a 4:1:1 group is its two
+// pairs with the chroma given twice, and a 4:4:4 pixel is a pair of itself,
+// of which every other converted pixel is kept. Each pixel meets exactly the
+// arithmetic of the planar kernels, with no frame-sized scratch.
 #include <kestrelink/CIppImageConverter.h>
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 #include "convert/ColorMapEngine.h"
-#include "convert/YuvFrame.h"
+#include "frame/RowLoop.h"
 #include "platform/OpenMP.h"
 #include "primitives/Primitives.h"
+#include "primitives/YccRows.h"
 
 using kestrelink::ForEachRow;
 using kestrelink::RowAt;
 using kestrelink::platform::SetBlockTimeZero;
+namespace ycc = kestrelink::ycc;
 
 namespace {
 
@@ -25,41 +28,69 @@ inline const uint8_t* Row411(const void* src, uint32_t w, uint32_t row) {
   return static_cast<const uint8_t*>(src) + ((uint64_t(row) * w * 3) >> 1);
 }
 
-// Scratch planes of a two-step conversion: Y of w * h bytes and U, V of
-// `chromaBytes` each.
-struct ScratchPlanes {
-  std::unique_ptr<uint8_t[]> y, u, v;
-  ScratchPlanes(size_t lumaBytes, size_t chromaBytes)
-      : y(new uint8_t[lumaBytes]), u(new uint8_t[chromaBytes]), v(new uint8_t[chromaBytes]) {}
-};
+constexpr uint32_t kPairs = 512;  // pairs a piece: 2 KiB of packed 4:2:2
 
-// The 4:1:1 planes to the destination in bands, no flip (it is in the planes).
-template <class Prim>
-bool Planes411ToPixels(uint32_t w, uint32_t h, const ScratchPlanes& p, void* dst, size_t dstRowBytes, Prim prim) {
-  using namespace kestrelink::colour;
-  if (!Splittable(w, h, dstRowBytes, {dst})) return false;
-  return InBands(h, [&](uint32_t y0, uint32_t n) {
-    const Ipp8u* const planes[3] = {p.y.get() + size_t(y0) * w, p.u.get() + size_t(y0) * (w / 4),
-                                    p.v.get() + size_t(y0) * (w / 4)};
-    const int steps[3] = {int(w), int(w / 4), int(w / 4)};
-    return prim(planes, steps, RowAt(dst, dstRowBytes, y0), int(dstRowBytes), BandSize(w, n));
-  });
+// `groups` 4:1:1 groups to Y0 U Y1 V Y2 U Y3 V.
+inline void Groups411ToPairs(const uint8_t* s, uint8_t* d, uint32_t groups) {
+  for (uint32_t g = 0; g < groups; ++g, s += 6, d += 8) {
+    d[0] = s[1], d[1] = s[0], d[2] = s[2], d[3] = s[3];
+    d[4] = s[4], d[5] = s[0], d[6] = s[5], d[7] = s[3];
+  }
 }
 
-// The 4:4:4 planes to the destination in bands.
-template <class Prim>
-bool Planes444ToPixels(uint32_t w, uint32_t h, const ScratchPlanes& p, void* dst, size_t dstRowBytes, Prim prim) {
-  using namespace kestrelink::colour;
-  if (!Splittable(w, h, dstRowBytes, {dst})) return false;
-  return InBands(h, [&](uint32_t y0, uint32_t n) {
-    const size_t at = size_t(y0) * w;
-    const Ipp8u* const planes[3] = {p.y.get() + at, p.u.get() + at, p.v.get() + at};
-    return prim(planes, int(w), RowAt(dst, dstRowBytes, y0), int(dstRowBytes), BandSize(w, n));
+// `n` 4:4:4 pixels to pairs Y U Y V of each.
+inline void Pixels444ToPairs(const uint8_t* s, uint8_t* d, uint32_t n) {
+  for (uint32_t i = 0; i < n; ++i, s += 3, d += 4) d[0] = s[1], d[1] = s[0], d[2] = s[1], d[3] = s[2];
+}
+
+// The whole groups of UVY411 rows through convert(pairs, dst, count).
+template <class Convert>
+bool Uvy411Rows(uint32_t w, uint32_t h, const void* src, void* dst, uint32_t pixelBytes, bool flip, Convert convert) {
+  if (!src || !dst || w < 4 || h < 1) return false;
+  const uint32_t groups = w / 4;
+  ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
+    alignas(64) uint8_t piece[4 * kPairs];
+    const uint8_t* s = Row411(src, w, in);
+    uint8_t* d = RowAt(dst, pixelBytes * size_t(w), out);
+    for (uint32_t g = 0; g < groups; g += kPairs / 2) {
+      const uint32_t n = std::min(kPairs / 2, groups - g);
+      Groups411ToPairs(s + 6 * size_t(g), piece, n);
+      convert(piece, d + 4 * pixelBytes * size_t(g), 2 * n);
+    }
   });
+  return true;
+}
+
+// UVY444 rows: each pixel converted as a pair of itself, the first of the two kept.
+template <uint32_t pixelBytes, class Convert>
+bool Uvy444Rows(uint32_t w, uint32_t h, const void* src, void* dst, bool flip, Convert convert) {
+  if (!src || !dst || w < 1 || h < 1) return false;
+  ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
+    alignas(64) uint8_t piece[4 * kPairs];
+    alignas(64) uint8_t both[8 * kPairs];
+    const uint8_t* s = RowAt(src, 3 * size_t(w), in);
+    uint8_t* d = RowAt(dst, pixelBytes * size_t(w), out);
+    for (uint32_t x = 0; x < w; x += kPairs) {
+      const uint32_t n = std::min(kPairs, w - x);
+      Pixels444ToPairs(s + 3 * size_t(x), piece, n);
+      convert(piece, both, n);
+      uint8_t* o = d + pixelBytes * size_t(x);
+      for (uint32_t i = 0; i < n; ++i) std::memcpy(o + pixelBytes * i, both + 2 * pixelBytes * i, pixelBytes);
+    }
+  });
+  return true;
+}
+
+auto ToBgrx() {
+  return [row = ycc::YccRows().pairs_to_bgrx](const uint8_t* s, uint8_t* d, uint32_t n) { row(s, d, n, 0); };
+}
+auto ToC3(ycc::ChannelOrder order) {
+  return [row = ycc::YccRows().pairs_to_c3, order](const uint8_t* s, uint8_t* d, uint32_t n) { row(s, d, n, order); };
 }
 
 }  // namespace
 
+// The planar forms of the two group layouts, the class's own helpers.
 bool CIppImageConverter::YUV411ToYUV411P(uint32_t w, uint32_t h, void* src, uint16_t* Y, void* U, void* V,
                                          bool flip) {
   const uint32_t groups = w / 4;
@@ -93,60 +124,35 @@ bool CIppImageConverter::YUV444ToYUV444P(uint32_t w, uint32_t h, void* src, void
 bool CIppImageConverter::UVY411ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY411ToBGRx(w, h, src, dst, flip);
-  if (!src) return false;
-  const ScratchPlanes p(size_t(w) * h, size_t(w / 4) * h);
-  YUV411ToYUV411P(w, h, src, reinterpret_cast<uint16_t*>(p.y.get()), p.u.get(), p.v.get(), flip);
-  return Planes411ToPixels(w, h, p, dst, 4 * size_t(w),
-                           [](const Ipp8u* const* s, const int* ss, Ipp8u* d, int ds, IppiSize size) {
-                             return ippiYCbCr411ToBGR_8u_P3C4R(s, ss, d, ds, size, 0);
-                           });
+  return Uvy411Rows(w, h, src, dst, 4, flip, ToBgrx());
 }
 
 bool CIppImageConverter::UVY411ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY411ToBGR24(w, h, src, dst, flip);
-  if (!src) return false;
-  const ScratchPlanes p(size_t(w) * h, size_t(w / 4) * h);
-  YUV411ToYUV411P(w, h, src, reinterpret_cast<uint16_t*>(p.y.get()), p.u.get(), p.v.get(), flip);
-  return Planes411ToPixels(w, h, p, dst, 3 * size_t(w), ippiYCbCr411ToBGR_8u_P3C3R);
+  return Uvy411Rows(w, h, src, dst, 3, flip, ToC3(ycc::kOrderBGR));
 }
 
 bool CIppImageConverter::UVY411ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
-  if (!src) return false;
-  const std::unique_ptr<uint8_t[]> packed(new uint8_t[2 * size_t(w) * h]);
-  UVY411ToYUV422(w, h, src, packed.get(), flip);
-  return kestrelink::yuv::PrimitiveBands(w, h, packed.get(), 2 * size_t(w), dst, 3 * size_t(w), false,
-                                         ippiYCbCr422ToRGB_8u_C2C3R);
+  return Uvy411Rows(w, h, src, dst, 3, flip, ToC3(ycc::kOrderRGB));
 }
 
 bool CIppImageConverter::UVY444ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY444ToBGRx(w, h, src, dst, flip);
-  if (!src) return false;
-  const ScratchPlanes p(size_t(w) * h, size_t(w) * h);
-  YUV444ToYUV444P(w, h, src, p.y.get(), p.u.get(), p.v.get(), flip);
-  return Planes444ToPixels(w, h, p, dst, 4 * size_t(w),
-                           [](const Ipp8u* const* s, int ss, Ipp8u* d, int ds, IppiSize size) {
-                             return ippiYCbCrToBGR_8u_P3C4R(s, ss, d, ds, size, 0);
-                           });
+  return Uvy444Rows<4>(w, h, src, dst, flip, ToBgrx());
 }
 
 bool CIppImageConverter::UVY444ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY444ToBGR24(w, h, src, dst, flip);
-  if (!src) return false;
-  const ScratchPlanes p(size_t(w) * h, size_t(w) * h);
-  YUV444ToYUV444P(w, h, src, p.y.get(), p.u.get(), p.v.get(), flip);
-  return Planes444ToPixels(w, h, p, dst, 3 * size_t(w), ippiYCbCrToBGR_8u_P3C3R);
+  return Uvy444Rows<3>(w, h, src, dst, flip, ToC3(ycc::kOrderBGR));
 }
 
 bool CIppImageConverter::UVY444ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
-  if (!src) return false;
-  const ScratchPlanes p(size_t(w) * h, size_t(w) * h);
-  YUV444ToYUV444P(w, h, src, p.y.get(), p.u.get(), p.v.get(), flip);
-  return Planes444ToPixels(w, h, p, dst, 3 * size_t(w), ippiYCbCrToRGB_8u_P3C3R);
+  return Uvy444Rows<3>(w, h, src, dst, flip, ToC3(ycc::kOrderRGB));
 }
 
 // A partial last group is unpacked from the bytes the row holds, the rest

@@ -5,6 +5,7 @@
 // ever written.
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "compress/CompressStatus.h"
@@ -42,7 +43,7 @@ void BuildFastTable(const HuffmanCode& code, HuffmanDecodeTables& t) {
     uint8_t length;
   };
   static_assert(4 * kFastBits <= 57, "four lookups take the bits of one load");
-  One one[1u << kFastBits] = {};
+  const auto one = std::make_unique<One[]>(size_t(1) << kFastBits);  // zeroed; too large for a caller's stack
   for (uint32_t s = 0; s < 256; ++s) {
     const uint32_t length = uint32_t(code.lengths[s]);
     if (length == 0 || length > kFastBits) continue;

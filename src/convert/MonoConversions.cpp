@@ -4,6 +4,7 @@
 #include <kestrelink/CIppImageConverter.h>
 
 #include "convert/ColorMapEngine.h"
+#include "convert/ColourFrame.h"
 #include "convert/rows/MonoRows.h"
 #include "frame/FrameCopy.h"
 #include "frame/RowLoop.h"
@@ -14,14 +15,7 @@ using kestrelink::ForEachRow;
 using kestrelink::RowAt;
 using kestrelink::platform::SetBlockTimeZero;
 
-namespace {
-
-// Right shift that narrows a d-bit sample to 8 bits. Depths below 8 give a
-// count taken modulo 32, as the processor's shift would; any count of 16 or
-// more leaves nothing of a 16-bit sample.
-inline uint32_t NarrowShift(uint32_t d) { return (d - 8) & 31; }
-
-}  // namespace
+using kestrelink::colour::NarrowShift;
 
 bool CIppImageConverter::Mono8ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
@@ -96,16 +90,14 @@ bool CIppImageConverter::Mono16ToMono16MSB(uint32_t w, uint32_t h, uint32_t d, v
   // The shift primitive writes bottom-up through a negative step when
   // flipping, which gives the flipped frame without a scratch copy. On
   // failure only the caller's buffers are involved, and they stay theirs.
-  const int step = int(2 * w);
-  const IppiSize whole{int32_t(w), int32_t(h)};
-  if (!src || !dst || whole.width < 1 || whole.height < 1)
-    return ippiLShiftC_16u_C1R(static_cast<Ipp16u*>(src), step, 16 - d, static_cast<Ipp16u*>(dst), step, whole) == 0;
-  const IppStatus status = kestrelink::ForEachBand(h, [&](uint32_t y0, uint32_t rows) {
-    const auto* in = reinterpret_cast<const Ipp16u*>(RowAt(src, 2 * size_t(w), y0));
-    auto* out = reinterpret_cast<Ipp16u*>(RowAt(dst, 2 * size_t(w), flip ? h - 1 - y0 : y0));
-    return ippiLShiftC_16u_C1R(in, step, 16 - d, out, flip ? -step : step, IppiSize{int32_t(w), int32_t(rows)});
+  namespace colour = kestrelink::colour;
+  const size_t row = 2 * size_t(w);
+  if (!colour::Splittable(w, h, row, {src, dst})) return false;
+  return colour::InBands(h, [&](uint32_t y0, uint32_t n) {
+    const auto in = colour::Band(src, row, h, y0, false), out = colour::Band(dst, row, h, y0, flip);
+    return ippiLShiftC_16u_C1R(reinterpret_cast<const Ipp16u*>(in.first), in.step, 16 - d,
+                               reinterpret_cast<Ipp16u*>(out.first), out.step, colour::BandSize(w, n));
   });
-  return status == 0;
 }
 
 bool CIppImageConverter::SwapWords(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {

@@ -7,6 +7,8 @@
 // arithmetic of the planar kernels, with no frame-sized scratch.
 #include <kestrelink/CIppImageConverter.h>
 
+#include <immintrin.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -14,6 +16,7 @@
 #include "frame/RowLoop.h"
 #include "platform/OpenMP.h"
 #include "primitives/Primitives.h"
+#include "primitives/Variant.h"
 #include "primitives/YccRows.h"
 
 using kestrelink::ForEachRow;
@@ -30,41 +33,79 @@ inline const uint8_t* Row411(const void* src, uint32_t w, uint32_t row) {
 
 constexpr uint32_t kPairs = 512;  // pairs a piece: 2 KiB of packed 4:2:2
 
-// `groups` 4:1:1 groups to Y0 U Y1 V Y2 U Y3 V.
-inline void Groups411ToPairs(const uint8_t* s, uint8_t* d, uint32_t groups) {
-  for (uint32_t g = 0; g < groups; ++g, s += 6, d += 8) {
-    d[0] = s[1], d[1] = s[0], d[2] = s[2], d[3] = s[3];
-    d[4] = s[4], d[5] = s[0], d[6] = s[5], d[7] = s[3];
-  }
+// Blocks of 12 source bytes widened to 16 bytes of pairs by one byte shuffle:
+// two 4:1:1 groups to Y0 U Y1 V Y2 U Y3 V twice, or four 4:4:4 pixels to
+// Y U Y V each.
+constexpr uint8_t kWiden411[16] = {1, 0, 2, 3, 4, 0, 5, 3, 7, 6, 8, 9, 10, 6, 11, 9};
+constexpr uint8_t kWiden444[16] = {1, 0, 1, 2, 4, 3, 4, 5, 7, 6, 7, 8, 10, 9, 10, 11};
+
+// The blocks whose 16-byte load stays inside the `readable` bytes at s;
+// answers how many it widened.
+__attribute__((target("ssse3"))) uint32_t WidenSsse3(const uint8_t* s, uint8_t* d, uint32_t blocks, size_t readable,
+                                                     const uint8_t* index) {
+  const __m128i shuffle = _mm_loadu_si128(reinterpret_cast<const __m128i*>(index));
+  uint32_t k = 0;
+  for (; k < blocks && 12 * size_t(k) + 16 <= readable; ++k)
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * size_t(k)),
+                     _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 12 * size_t(k))), shuffle));
+  return k;
 }
 
-// `n` 4:4:4 pixels to pairs Y U Y V of each.
-inline void Pixels444ToPairs(const uint8_t* s, uint8_t* d, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i, s += 3, d += 4) d[0] = s[1], d[1] = s[0], d[2] = s[1], d[3] = s[2];
+void Widen(const uint8_t* s, uint8_t* d, uint32_t blocks, size_t readable, const uint8_t* index, bool vector) {
+  for (uint32_t k = vector ? WidenSsse3(s, d, blocks, readable, index) : 0; k < blocks; ++k)
+    for (int i = 0; i < 16; ++i) d[16 * size_t(k) + i] = s[12 * size_t(k) + index[i]];
 }
+
+// Every other BGRx pixel of `both`, n of them.
+void KeepEvenBgrx(const uint8_t* both, uint8_t* o, uint32_t n, bool vector) {
+  uint32_t i = 0;
+  for (; vector && i + 4 <= n; i += 4) {
+    const __m128 a = _mm_loadu_ps(reinterpret_cast<const float*>(both + 8 * size_t(i)));
+    const __m128 b = _mm_loadu_ps(reinterpret_cast<const float*>(both + 8 * size_t(i) + 16));
+    _mm_storeu_ps(reinterpret_cast<float*>(o + 4 * size_t(i)), _mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0)));
+  }
+  for (; i < n; ++i) std::memcpy(o + 4 * size_t(i), both + 8 * size_t(i), 4);
+}
+
+void KeepEvenBgr24(const uint8_t* both, uint8_t* o, uint32_t n, bool) {
+  for (uint32_t i = 0; i < n; ++i) std::memcpy(o + 3 * size_t(i), both + 6 * size_t(i), 3);
+}
+
+// Whether the byte shuffles may be used: SSSE3 or a wider variant is active.
+bool VectorWiden() { return kestrelink::ActiveVariant() >= kestrelink::kVariantSSSE3; }
 
 // The whole groups of UVY411 rows through convert(pairs, dst, count).
 template <class Convert>
 bool Uvy411Rows(uint32_t w, uint32_t h, const void* src, void* dst, uint32_t pixelBytes, bool flip, Convert convert) {
   if (!src || !dst || w < 4 || h < 1) return false;
   const uint32_t groups = w / 4;
+  const bool vector = VectorWiden();
   ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
     alignas(64) uint8_t piece[4 * kPairs];
     const uint8_t* s = Row411(src, w, in);
     uint8_t* d = RowAt(dst, pixelBytes * size_t(w), out);
     for (uint32_t g = 0; g < groups; g += kPairs / 2) {
       const uint32_t n = std::min(kPairs / 2, groups - g);
-      Groups411ToPairs(s + 6 * size_t(g), piece, n);
+      const uint8_t* from = s + 6 * size_t(g);
+      Widen(from, piece, n / 2, 6 * size_t(groups - g), kWiden411, vector);
+      if (n & 1) {  // the odd last group of the piece
+        const uint8_t* q = from + 6 * size_t(n - 1);
+        uint8_t* p = piece + 8 * size_t(n - 1);
+        p[0] = q[1], p[1] = q[0], p[2] = q[2], p[3] = q[3], p[4] = q[4], p[5] = q[0], p[6] = q[5], p[7] = q[3];
+      }
       convert(piece, d + 4 * pixelBytes * size_t(g), 2 * n);
     }
   });
   return true;
 }
 
-// UVY444 rows: each pixel converted as a pair of itself, the first of the two kept.
-template <uint32_t pixelBytes, class Convert>
-bool Uvy444Rows(uint32_t w, uint32_t h, const void* src, void* dst, bool flip, Convert convert) {
+// UVY444 rows: each pixel converted as a pair of itself, the first of the two
+// kept by keep(both, dst, n, vector).
+template <class Convert, class Keep>
+bool Uvy444Rows(uint32_t w, uint32_t h, const void* src, void* dst, uint32_t pixelBytes, bool flip, Convert convert,
+                Keep keep) {
   if (!src || !dst || w < 1 || h < 1) return false;
+  const bool vector = VectorWiden();
   ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
     alignas(64) uint8_t piece[4 * kPairs];
     alignas(64) uint8_t both[8 * kPairs];
@@ -72,10 +113,15 @@ bool Uvy444Rows(uint32_t w, uint32_t h, const void* src, void* dst, bool flip, C
     uint8_t* d = RowAt(dst, pixelBytes * size_t(w), out);
     for (uint32_t x = 0; x < w; x += kPairs) {
       const uint32_t n = std::min(kPairs, w - x);
-      Pixels444ToPairs(s + 3 * size_t(x), piece, n);
+      const uint8_t* from = s + 3 * size_t(x);
+      Widen(from, piece, n / 4, 3 * size_t(w - x), kWiden444, vector);
+      for (uint32_t i = n & ~3u; i < n; ++i) {  // the last pixels of the piece
+        const uint8_t* q = from + 3 * size_t(i);
+        uint8_t* p = piece + 4 * size_t(i);
+        p[0] = q[1], p[1] = q[0], p[2] = q[1], p[3] = q[2];
+      }
       convert(piece, both, n);
-      uint8_t* o = d + pixelBytes * size_t(x);
-      for (uint32_t i = 0; i < n; ++i) std::memcpy(o + pixelBytes * i, both + 2 * pixelBytes * i, pixelBytes);
+      keep(both, d + pixelBytes * size_t(x), n, vector);
     }
   });
   return true;
@@ -141,18 +187,18 @@ bool CIppImageConverter::UVY411ToRGB24(uint32_t w, uint32_t h, void* src, void* 
 bool CIppImageConverter::UVY444ToBGRx(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY444ToBGRx(w, h, src, dst, flip);
-  return Uvy444Rows<4>(w, h, src, dst, flip, ToBgrx());
+  return Uvy444Rows(w, h, src, dst, 4, flip, ToBgrx(), KeepEvenBgrx);
 }
 
 bool CIppImageConverter::UVY444ToBGR24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
   if (m_Engine->EnableImageColorMap()) return m_Engine->UVY444ToBGR24(w, h, src, dst, flip);
-  return Uvy444Rows<3>(w, h, src, dst, flip, ToC3(ycc::kOrderBGR));
+  return Uvy444Rows(w, h, src, dst, 3, flip, ToC3(ycc::kOrderBGR), KeepEvenBgr24);
 }
 
 bool CIppImageConverter::UVY444ToRGB24(uint32_t w, uint32_t h, void* src, void* dst, bool flip) {
   SetBlockTimeZero();
-  return Uvy444Rows<3>(w, h, src, dst, flip, ToC3(ycc::kOrderRGB));
+  return Uvy444Rows(w, h, src, dst, 3, flip, ToC3(ycc::kOrderRGB), KeepEvenBgr24);
 }
 
 // A partial last group is unpacked from the bytes the row holds, the rest

@@ -133,7 +133,7 @@ TEST(YuvDeep, Packed10ToBgr24AndBgrx) {
 TEST(YuvDeep, Words20ToBgr24AndBgrx) {
   for (auto variant : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant sv(variant);
-    for (uint32_t w : {2u, 6u, 130u})
+    for (uint32_t w : {2u, 6u, 130u, 1155u})
       for (bool flip : {false, true})
         for (uint32_t px : {3u, 4u}) {
           const uint32_t h = 2;
@@ -145,9 +145,12 @@ TEST(YuvDeep, Words20ToBgr24AndBgrx) {
           ASSERT_TRUE(ok);
           for (uint32_t row = 0; row < h; ++row)
             for (uint32_t x = 0; x < w; ++x) {
-              const size_t pair = (size_t(row) * w + x) / 2 * 4;  // words Y0 U Y1 V
+              // Rows of 2w words, pairs Y0 U Y1 V from the row's start; the V of
+              // an odd width's last pixel lies past the row and counts as 0.
+              const size_t pair = size_t(row) * 2 * w + x / 2 * 4;
               const auto word = [&](size_t i) { return testsupport::Word(src, i) >> 2; };
-              const auto e = FormulaBgr(word(pair + 2 * (x & 1)), word(pair + 1), word(pair + 3));
+              const int v = (x | 1) < w ? word(pair + 3) : 0;
+              const auto e = FormulaBgr(word(pair + 2 * (x & 1)), word(pair + 1), v);
               const uint8_t* d = &dst[(size_t(flip ? h - 1 - row : row) * w + x) * px];
               ASSERT_TRUE(d[0] == e[0] && d[1] == e[1] && d[2] == e[2])
                   << kestrelink::VariantName(variant) << " w " << w << " px " << px << " row " << row << " x " << x;
@@ -175,10 +178,11 @@ TEST(YuvDeep, VectorRowsMatchPortable) {
       for (int c = 0; c < 3; ++c)
         for (uint32_t x = 0; x < covered; ++x)
           ASSERT_EQ(got[c * n + x], want[c * n + x]) << kestrelink::VariantName(variant) << " w " << w << " x " << x;
-      std::vector<uint8_t> a(size_t(w) * 4, 1), b(a);
-      rows::Words20ToBgrxPortable(src.data(), a.data(), w);
-      rows::YuvRows().w20_to_bgrx(src.data(), b.data(), w);
-      ASSERT_EQ(a, b) << kestrelink::VariantName(variant) << " w " << w;
+      const auto words = RandomBytes(4 * size_t(w), w + 1);
+      std::vector<uint16_t> a(3 * size_t(w)), b(a.size());
+      rows::Words20ToPlanesPortable(words.data(), a.data(), a.data() + w, a.data() + 2 * w, w);
+      rows::YuvRows().w20_to_planes(words.data(), b.data(), b.data() + w, b.data() + 2 * w, w);
+      ASSERT_EQ(a, b) << kestrelink::VariantName(variant) << " 20-bit w " << w;
     }
   }
 }

@@ -101,8 +101,8 @@ std::string Describe(const Case& c, uint32_t w, bool flip, uint32_t row, uint32_
 TEST(YuvPacked, PlainPathIsStudioRangeWithinOne) {
   for (auto variant : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant sv(variant);
-    for (const Case& c : kCases)
-      for (uint32_t w : {4u, 12u, 1028u})
+    for (const Case& c : kCases)  // widths: whole groups, pieces of a row with odd tails
+      for (uint32_t w : {4u, 12u, 1028u, c.layout.group == 4 ? 1036u : c.layout.group == 2 ? 1030u : 1027u})
         for (bool flip : {false, true}) {
           const uint32_t h = 3;
           const auto src = testsupport::RandomBytes(size_t(w) * h * 3, w + c.px);

@@ -1,8 +1,8 @@
 #pragma once
 // Rows of the 10- and 20-bit 4:2:2 layouts through the library's integer
 // formula (convert/YuvFormula.h), one table per processor variant; every
-// variant gives the bytes of the portable one. The 20-bit rows write exactly
-// `w` pixels; BGRx rows keep the fourth byte.
+// variant gives the words of the portable one; the planar rows interleave
+// them.
 //   10-bit packed: 16 bytes hold six pixels as four little-endian words of
 //   three 10-bit samples (bits 0-9, 10-19, 20-29): U0 Y0 V0 | Y1 U1 Y2 |
 //   V1 Y3 U2 | Y4 V2 Y5; each sample gives its top 8 bits, no rounding.
@@ -15,12 +15,11 @@
 namespace kestrelink::rows {
 
 struct YuvRowKernels {
-  // B, G, R of the 10-bit packed pixels as 16-bit planes (values 0 .. 255),
-  // for the whole groups of six that cover `w`; may write up to
-  // kPlanePadding words past those.
+  // B, G, R of `w` pixels as 16-bit planes (values 0 .. 255). The 10-bit
+  // packed row converts the whole groups of six that cover `w` and may write
+  // up to kPlanePadding words past those; the 20-bit row writes `w` words.
   void (*p10_to_planes)(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w);
-  void (*w20_to_bgr24)(const uint8_t* src, uint8_t* dst, uint32_t w);
-  void (*w20_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t w);
+  void (*w20_to_planes)(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w);
 };
 
 inline constexpr uint32_t kPlanePadding = 16;
@@ -36,7 +35,6 @@ inline const YuvRowKernels& YuvRows() {
 
 // Portable rows, also the tails of the vector variants.
 void Packed10ToPlanesPortable(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w);
-void Words20ToBgr24Portable(const uint8_t* src, uint8_t* dst, uint32_t w);
-void Words20ToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t w);
+void Words20ToPlanesPortable(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w);
 
 }  // namespace kestrelink::rows

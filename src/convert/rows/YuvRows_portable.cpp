@@ -10,15 +10,6 @@ namespace {
 
 using yuv::Bgr;
 
-struct StoreBgr24 {
-  static constexpr size_t kBytes = 3;
-  static void Put(uint8_t* d, Bgr p) { d[0] = p.b, d[1] = p.g, d[2] = p.r; }
-};
-struct StoreBgrx {
-  static constexpr size_t kBytes = 4;
-  static void Put(uint8_t* d, Bgr p) { d[0] = p.b, d[1] = p.g, d[2] = p.r; }
-};
-
 inline uint32_t Word(const uint8_t* p) {
   uint32_t u;
   std::memcpy(&u, p, 4);
@@ -47,25 +38,18 @@ namespace {
 
 inline int Word20(const uint8_t* p) { return (p[0] | (p[1] << 8)) >> 2; }
 
-template <class Store>
-void Words20Row(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  for (uint32_t i = 0; i < w / 2; ++i) {
-    const uint8_t* q = src + 8 * size_t(i);
-    const int u = Word20(q + 2), v = Word20(q + 6), g = yuv::GreenOffset(u, v);
-    Store::Put(dst + Store::kBytes * 2 * i, yuv::PixelWithGreen(Word20(q), u, v, g));
-    Store::Put(dst + Store::kBytes * (2 * i + 1), yuv::PixelWithGreen(Word20(q + 4), u, v, g));
-  }
-  if (w & 1) {  // Y0 and U lie in the row; V is taken as 0
-    const uint8_t* q = src + 4 * size_t(w - 1);
-    Store::Put(dst + Store::kBytes * (w - 1), yuv::Pixel(Word20(q), Word20(q + 2), 0));
+}  // namespace
+
+// Pixel x takes Y from word 2 (x & 1) of its pair and the pair's U and V;
+// the V of a pair whose second pixel lies past the row counts as 0.
+void Words20ToPlanesPortable(const uint8_t* src, uint16_t* b, uint16_t* g, uint16_t* r, uint32_t w) {
+  for (uint32_t x = 0; x < w; ++x) {
+    const uint8_t* q = src + 8 * size_t(x / 2);
+    const Bgr p = yuv::Pixel(Word20(q + 4 * (x & 1)), Word20(q + 2), (x | 1) < w ? Word20(q + 6) : 0);
+    b[x] = p.b, g[x] = p.g, r[x] = p.r;
   }
 }
 
-}  // namespace
-
-void Words20ToBgr24Portable(const uint8_t* src, uint8_t* dst, uint32_t w) { Words20Row<StoreBgr24>(src, dst, w); }
-void Words20ToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t w) { Words20Row<StoreBgrx>(src, dst, w); }
-
-const YuvRowKernels kYuvRowsPortable = {Packed10ToPlanesPortable, Words20ToBgr24Portable, Words20ToBgrxPortable};
+const YuvRowKernels kYuvRowsPortable = {Packed10ToPlanesPortable, Words20ToPlanesPortable};
 
 }  // namespace kestrelink::rows

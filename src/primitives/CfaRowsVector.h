@@ -5,6 +5,8 @@
 // one step for 8-bit samples; 16-bit samples, computed in 32 bits, take half
 // as many so that a step stays one register wide). Everything here stays in an anonymous namespace so that no
 // variant's code is shared with another's.
+#include <immintrin.h>
+
 #include <cstring>
 
 #include "primitives/CfaRows.h"
@@ -35,11 +37,26 @@ struct Lanes<uint16_t> {
   typedef int32_t Math __attribute__((vector_size(4 * kCount)));
 };
 
+// Samples widened to the lanes' width. The compiler splits a generic
+// widening of a whole register into halves; the one-instruction forms of
+// the wider instruction sets are named here.
 template <class Sample>
 inline typename Lanes<Sample>::Math Load(const Sample* p) {
+  using Math = typename Lanes<Sample>::Math;
+#if defined(__AVX512BW__)
+  if constexpr (sizeof(Sample) == 1 && sizeof(Math) == 64)
+    return Math(_mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))));
+  if constexpr (sizeof(Sample) == 2 && sizeof(Math) == 64)
+    return Math(_mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))));
+#elif defined(__AVX2__)
+  if constexpr (sizeof(Sample) == 1 && sizeof(Math) == 32)
+    return Math(_mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+  if constexpr (sizeof(Sample) == 2 && sizeof(Math) == 32)
+    return Math(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+#endif
   typename Lanes<Sample>::In v;
   std::memcpy(&v, p, sizeof v);
-  return __builtin_convertvector(v, typename Lanes<Sample>::Math);
+  return __builtin_convertvector(v, Math);
 }
 
 // (sum + 8) >> 4 clamped to 0 .. top, stored as samples.
@@ -47,6 +64,19 @@ template <class Sample, class Math>
 inline void Store(Sample* p, Math sum, Math top) {
   Math v = (sum + 8) >> 4;
   v = v < 0 ? 0 : v;
+#if defined(__AVX512BW__)
+  if constexpr (sizeof(Sample) == 1 && sizeof(Math) == 64) {  // narrowing saturates at 255
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_cvtusepi16_epi8(__m512i(v)));
+    return;
+  }
+#elif defined(__AVX2__)
+  if constexpr (sizeof(Sample) == 1 && sizeof(Math) == 32) {  // the pack saturates at 255
+    const __m256i w = __m256i(v);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
+                     _mm_packus_epi16(_mm256_castsi256_si128(w), _mm256_extracti128_si256(w, 1)));
+    return;
+  }
+#endif
   v = v > top ? top : v;
   const typename Lanes<Sample>::In s = __builtin_convertvector(v, typename Lanes<Sample>::In);
   std::memcpy(p, &s, sizeof s);

@@ -2,14 +2,11 @@
 // the correction stage the object is set up for. The interpolation writes
 // blue-first planes and the flipped row order itself, which gives the same
 // image as interpolating to RGB and exchanging red and blue on the way out.
-#include <vector>
-
 #include <kestrelink/CIppBayerCorrector.h>
 
 #include "colour/BayerCorrectorImpl.h"
 #include "colour/ChannelLuts.h"
 #include "colour/LookStage.h"
-#include "convert/rows/ColourRowsCopy.h"
 #include "convert/rows/ColourRowsPlanar.h"
 #include "primitives/CfaDemosaic.h"
 #include "primitives/CfaPack.h"
@@ -88,12 +85,9 @@ void InterpolateNarrowed(const CBayerCorrectorImpl& s, const void* src, void* ds
 // 8-bit samples into the first three bytes of BGRx pixels.
 void InterpolateExpanded(const CBayerCorrectorImpl& s, const void* src, void* dst, bool flip) {
   const uint32_t w = s.width;
-  const auto& rows = kestrelink::rows::CopyRows();
+  const auto pack = kestrelink::cfa::CfaRows().pack8x4;
   Interpolate<uint8_t>(s, src, true, flip, [&](uint32_t row, const uint8_t* b, const uint8_t* g, const uint8_t* r) {
-    thread_local std::vector<uint8_t> packed;
-    if (packed.size() < 3 * size_t(w)) packed.resize(3 * size_t(w));
-    rows.merge3(b, g, r, packed.data(), w);
-    rows.bytes3_to_4(packed.data(), RowAt(dst, size_t(w) * 4, row), w, kestrelink::rows::kSameOrder, 0);
+    pack(b, g, r, RowAt(dst, size_t(w) * 4, row), w);
   });
 }
 

@@ -47,6 +47,9 @@ struct CfaRowKernels {
   void (*pack16)(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w);
   // Every bit set in a row of w samples.
   uint32_t (*bits16)(const uint16_t* row, uint32_t w);
+  // Three planes of bytes into the first three bytes of four-byte pixels,
+  // p0 first; the fourth byte keeps what dst held.
+  void (*pack8x4)(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, uint8_t* dst, uint32_t w);
 };
 
 extern const CfaRowKernels kCfaRowsPortable;
@@ -65,5 +68,6 @@ void Interior8Portable(const Window8& in, PlaneRow<uint8_t> out, uint32_t x0, ui
 void Interior16Portable(const Window16& in, PlaneRow<uint16_t> out, uint32_t x0, uint32_t x1, uint32_t top);
 void Pack16Portable(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t* dst, uint32_t w);
 uint32_t Bits16Portable(const uint16_t* row, uint32_t w);
+void Pack8x4Portable(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, uint8_t* dst, uint32_t w);
 
 }  // namespace kestrelink::cfa

@@ -146,5 +146,34 @@ uint32_t Bits16(const uint16_t* row, uint32_t w) {
   return seen;
 }
 
+// Bytes of three planes widened to one 32-bit pixel a lane.
+typedef uint32_t Pixels __attribute__((vector_size(2 * CFA_LANES)));
+constexpr uint32_t kPixelLanes = CFA_LANES / 2;
+
+inline Pixels WidenBytes(const uint8_t* p) {
+#if defined(__AVX512BW__)
+  return Pixels(_mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
+#elif defined(__AVX2__)
+  return Pixels(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+#else
+  typedef uint8_t Bytes __attribute__((vector_size(kPixelLanes)));
+  Bytes v;
+  std::memcpy(&v, p, sizeof v);
+  return __builtin_convertvector(v, Pixels);
+#endif
+}
+
+void Pack8x4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, uint8_t* dst, uint32_t w) {
+  uint32_t x = 0;
+  for (; x + kPixelLanes <= w; x += kPixelLanes) {
+    uint8_t* out = dst + 4 * size_t(x);
+    Pixels kept;
+    std::memcpy(&kept, out, sizeof kept);
+    const Pixels v = WidenBytes(p0 + x) | (WidenBytes(p1 + x) << 8) | (WidenBytes(p2 + x) << 16) | (kept & 0xFF000000u);
+    std::memcpy(out, &v, sizeof v);
+  }
+  Pack8x4Portable(p0 + x, p1 + x, p2 + x, dst + 4 * size_t(x), w - x);
+}
+
 }  // namespace
 }  // namespace kestrelink::cfa

@@ -47,6 +47,6 @@ void Pack16(const uint16_t* p0, const uint16_t* p1, const uint16_t* p2, uint16_t
 
 }  // namespace
 
-const CfaRowKernels kCfaRowsAVX512 = {Interior8, Interior16, Pack16, Bits16};
+const CfaRowKernels kCfaRowsAVX512 = {Interior8, Interior16, Pack16, Bits16, Pack8x4};
 
 }  // namespace kestrelink::cfa

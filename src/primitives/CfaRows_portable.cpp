@@ -52,6 +52,15 @@ uint32_t Bits16Portable(const uint16_t* row, uint32_t w) {
   return seen;
 }
 
-const CfaRowKernels kCfaRowsPortable = {Interior8Portable, Interior16Portable, Pack16Portable, Bits16Portable};
+void Pack8x4Portable(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, uint8_t* dst, uint32_t w) {
+  for (uint32_t x = 0; x < w; ++x, dst += 4) {
+    dst[0] = p0[x];
+    dst[1] = p1[x];
+    dst[2] = p2[x];
+  }
+}
+
+const CfaRowKernels kCfaRowsPortable = {Interior8Portable, Interior16Portable, Pack16Portable, Bits16Portable,
+                                        Pack8x4Portable};
 
 }  // namespace kestrelink::cfa

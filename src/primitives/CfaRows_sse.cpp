@@ -4,5 +4,5 @@
 #include "primitives/CfaRowsVector.h"
 
 namespace kestrelink::cfa {
-const CfaRowKernels kCfaRowsSSE2 = {Interior8, Interior16, Pack16Loop, Bits16};
+const CfaRowKernels kCfaRowsSSE2 = {Interior8, Interior16, Pack16Loop, Bits16, Pack8x4};
 }  // namespace kestrelink::cfa

@@ -63,7 +63,7 @@ TEST(CfaRowsVariant, EveryVariantMatchesThePortableRows) {
   }
 }
 
-TEST(CfaRowsVariant, WordInterleaveAndRowBitsMatchThePortableRows) {
+TEST(CfaRowsVariant, PackingAndRowBitsMatchThePortableRows) {
   for (const auto variant : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant scoped(variant);
     for (const uint32_t w : {1u, 31u, 32u, 33u, 95u, 200u}) {
@@ -76,6 +76,11 @@ TEST(CfaRowsVariant, WordInterleaveAndRowBitsMatchThePortableRows) {
       const Rows<uint16_t> small(w, 3000, w + 1);
       EXPECT_EQ(CfaRows().bits16(small.data[0].data(), w), Bits16Portable(small.data[0].data(), w));
       EXPECT_EQ(CfaRows().bits16(in.data[1].data(), w), Bits16Portable(in.data[1].data(), w));
+      const Rows<uint8_t> bytes(w, 256, w + 2);
+      std::vector<uint8_t> want4 = testsupport::RandomBytes(4 * w + 3, w), got4 = want4;
+      Pack8x4Portable(bytes.data[0].data(), bytes.data[1].data(), bytes.data[2].data(), want4.data(), w);
+      CfaRows().pack8x4(bytes.data[0].data(), bytes.data[1].data(), bytes.data[2].data(), got4.data(), w);
+      EXPECT_EQ(got4, want4);
     }
   }
 }

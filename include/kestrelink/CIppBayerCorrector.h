@@ -4,14 +4,18 @@
 
 #include <kestrelink/Export.h>
 
+// The three enumerations hold any int: values out of their lists are taken
+// as the methods describe (a pattern above 3 reads as BAYER_GBRG, a mode
+// above 2 as CORRECTION_LOOK).
+
 // Layout of the sensor's colour filter, named by its first two rows.
-enum BAYERPATTERN { BAYER_GBRG = 0, BAYER_GRBG = 1, BAYER_BGGR = 2, BAYER_RGGB = 3 };
+enum BAYERPATTERN : int { BAYER_GBRG = 0, BAYER_GRBG = 1, BAYER_BGGR = 2, BAYER_RGGB = 3 };
 
 // What follows the demosaic of a raw frame.
-enum CORRECTION_MODE { CORRECTION_NONE = 0, CORRECTION_MANUAL = 1, CORRECTION_AUTO = 2, CORRECTION_LOOK = 3 };
+enum CORRECTION_MODE : int { CORRECTION_NONE = 0, CORRECTION_MANUAL = 1, CORRECTION_AUTO = 2, CORRECTION_LOOK = 3 };
 
 // How the channel tables are made in automatic correction.
-enum CORRECTIONAL_ALG {
+enum CORRECTIONAL_ALG : int {
   CB_ALG_GRAY_OFFSET = 0,      // red and blue moved so their means meet green's
   CB_ALG_GRAY_GAIN = 1,        // red and blue scaled so their sums meet green's
   CB_ALG_CONTRAST_MEAN = 2,    // each channel stretched about its mean to a fixed spread

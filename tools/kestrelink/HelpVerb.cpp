@@ -1,5 +1,7 @@
 // kestrelink help, and the tool's overall usage.
+#include <algorithm>
 #include <iomanip>
+#include <string_view>
 #include <iostream>
 #include <string>
 
@@ -9,7 +11,7 @@
 namespace kestrelink::tool {
 
 void PrintToolUsage(std::ostream& out) {
-  out << "kestrelink - convert raw camera frames between pixel layouts\n"
+  out << "kestrelink - convert, demosaic and compress raw camera frames\n"
          "\n"
          "usage:\n"
          "  kestrelink convert --from LAYOUT --to LAYOUT --size WxH [options] IN OUT\n"
@@ -17,8 +19,10 @@ void PrintToolUsage(std::ostream& out) {
          "  kestrelink help [COMMAND]\n"
          "\n"
          "commands:\n";
+  size_t width = 0;  // the longest verb name sets the column
+  for (const Verb& verb : AllVerbs()) width = std::max(width, std::string_view(verb.name).size());
   for (const Verb& verb : AllVerbs())
-    out << "  " << std::left << std::setw(9) << verb.name << " " << verb.summary << '\n';
+    out << "  " << std::left << std::setw(int(width)) << verb.name << "  " << verb.summary << '\n';
   out << "\n"
          "Run 'kestrelink help COMMAND' (or 'kestrelink COMMAND --help') for a command's options.\n"
          "\n"

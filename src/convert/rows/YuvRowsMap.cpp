@@ -28,7 +28,6 @@ struct Uvy444Group {
   static constexpr int y[1] = {1}, u[1] = {0}, v[1] = {2};
 };
 
-template <uint32_t kDstBytes>
 inline void PutMapped(uint8_t* d, yuv::Bgr p, const ColourTables& t) {
   d[0] = uint8_t(t.t[0][p.b]);
   d[1] = uint8_t(t.t[1][p.g]);
@@ -40,7 +39,7 @@ template <class Group, uint32_t kDstBytes>
 inline void MapGroup(const uint8_t* s, uint8_t* d, uint32_t n, const ColourTables& t) {
   const int g = yuv::GreenOffset(s[Group::u[0]], s[Group::v[0]]);
   for (uint32_t i = 0; i < n; ++i)
-    PutMapped<kDstBytes>(d + kDstBytes * i, yuv::PixelWithGreen(s[Group::y[i]], s[Group::u[i]], s[Group::v[i]], g), t);
+    PutMapped(d + kDstBytes * i, yuv::PixelWithGreen(s[Group::y[i]], s[Group::u[i]], s[Group::v[i]], g), t);
 }
 
 template <class Group, uint32_t kDstBytes>

@@ -106,14 +106,7 @@ void ArithmeticDecoder::Update(uint32_t lowCount, uint32_t highCount, uint32_t t
   }
 }
 
-uint32_t ArithmeticDecoder::DecodeBit() {
-  if (Settled()) {
-    // [0, 65535] halves and renormalises in one step: the top bit of the code.
-    const uint32_t v = uint32_t(m_code >> 15) & 1;
-    m_code = ((m_code << 1) & 0xFFFF) | m_reader.ReadBit();
-    if (!m_reader.EndFlag()) ++m_bitCount;
-    return v;
-  }
+uint32_t ArithmeticDecoder::DecodeBitNarrowed() {
   m_range = m_high - m_low + 1;
   const uint32_t v = Below((2 * (m_code - m_low) + 1) / m_range, 2);
   Update(v, v + 1, 2);
@@ -124,7 +117,7 @@ uint32_t ArithmeticDecoder::DecodeGroup(uint32_t bits) {
   const uint32_t t = 1u << bits;
   if (Settled() && m_reader.ReadsBeforeEnd() >= bits) {
     const uint32_t v = uint32_t(m_code >> (16 - bits));
-    for (uint32_t i = 0; i < bits; ++i) m_code = ((m_code << 1) & 0xFFFF) | m_reader.ReadBit();
+    m_code = ((m_code << bits) & 0xFFFF) | m_reader.ReadBits(bits);
     m_bitCount += bits;
     return v;
   }

@@ -49,13 +49,23 @@ class ArithmeticDecoder {
   // of fewer than 3 bytes), leaving the interval at [0, 0].
   ArithmeticDecoder(const uint8_t* buffer, uint32_t size);
 
-  uint32_t DecodeBit();
+  uint32_t DecodeBit() {
+    if (Settled()) {
+      // [0, 65535] halves and renormalises in one step: the code's top bit.
+      const uint32_t v = uint32_t(m_code >> 15) & 1;
+      m_code = ((m_code << 1) & 0xFFFF) | m_reader.ReadBit();
+      if (!m_reader.EndFlag()) ++m_bitCount;
+      return v;
+    }
+    return DecodeBitNarrowed();
+  }
   uint32_t DecodeBits(int n);
   uint32_t DecodeSymbol(AdaptiveModel& model, bool update);
   uint32_t DecodedBits() const { return m_bitCount; }
 
  private:
   bool Settled() const { return m_low == 0 && m_high == 65535; }
+  uint32_t DecodeBitNarrowed();
   uint32_t DecodeGroup(uint32_t bits);
   // Narrows to [lowCount, highCount) of total and renormalises.
   void Update(uint32_t lowCount, uint32_t highCount, uint32_t total);

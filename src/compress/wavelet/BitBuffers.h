@@ -3,6 +3,7 @@
 // byte from its most significant end; a partly filled last byte is padded
 // with zero bits.
 #include <cstdint>
+#include <cstring>
 
 namespace kestrelink::wavelet {
 
@@ -50,31 +51,44 @@ class BitReader {
   BitReader(const uint8_t* buffer, uint32_t size) : m_buffer(buffer), m_size(size) {}
 
   uint32_t ReadBit() {
-    m_end = false;
-    if (m_mask == 128) {
-      m_current = m_position < m_size ? m_buffer[m_position] : 0;
-      ++m_position;
-      m_end = m_position >= m_size;
-    }
-    const uint32_t bit = (m_current & m_mask) ? 1 : 0;
-    m_mask >>= 1;
-    if (m_mask == 0) m_mask = 128;
+    // A fetch happens at each byte boundary; it raises the flag when it takes
+    // the last byte or one past the end.
+    const uint64_t byte = m_bit >> 3;
+    m_end = (m_bit & 7) == 0 && byte + 1 >= m_size;
+    const uint32_t bit = byte < m_size ? (m_buffer[byte] >> (7 - (m_bit & 7))) & 1 : 0;
+    ++m_bit;
     return bit;
+  }
+  // n reads (1 <= n <= 16) that raise no flag, as one value, first read on
+  // top.
+  uint32_t ReadBits(uint32_t n) {
+    const uint64_t byte = m_bit >> 3;
+    uint32_t v;
+    if (byte + 8 <= m_size) {
+      uint64_t word;
+      std::memcpy(&word, m_buffer + byte, 8);
+      v = uint32_t((__builtin_bswap64(word) << (m_bit & 7)) >> (64 - n));
+      m_bit += n;
+    } else {
+      v = 0;
+      for (uint32_t i = 0; i < n; ++i) v = (v << 1) | ReadBit();
+    }
+    m_end = false;
+    return v;
   }
   bool EndFlag() const { return m_end; }
   // Reads that can follow before one raises the end flag.
   uint64_t ReadsBeforeEnd() const {
-    const uint32_t inByte = m_mask == 128 ? 0 : uint32_t(__builtin_ctz(m_mask)) + 1;
-    const uint64_t wholeBytes = m_position + 1 < m_size ? uint64_t(m_size - 1 - m_position) : 0;
-    return inByte + 8 * wholeBytes;
+    if (m_size == 0) return 0;
+    const uint64_t flagged = uint64_t(m_size - 1) * 8;  // the read that fetches the last byte
+    if (m_bit <= flagged) return flagged - m_bit;
+    return (8 - (m_bit & 7)) & 7;  // past it, the next byte boundary
   }
 
  private:
   const uint8_t* m_buffer;
   uint32_t m_size;
-  uint32_t m_position = 0;
-  uint32_t m_mask = 128;
-  uint32_t m_current = 0;
+  uint64_t m_bit = 0;  // reads so far
   bool m_end = false;
 };
 

@@ -1,5 +1,6 @@
 // The coder factories of the wavelet codec.
 #include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/SimpleCompressor.h"
 #include "compress/wavelet/Speck2Compressor.h"
 
 namespace kestrelink::wavelet {
@@ -12,6 +13,7 @@ std::unique_ptr<CCompressor> MakeCompressor(uint32_t coderType) {
 std::unique_ptr<CCompressor> MakeCoder(CoderKind kind) {
   switch (kind) {
     case CoderKind::Speck2: return std::make_unique<CSpeck2Compressor>();
+    case CoderKind::Simple: return std::make_unique<CSimpleCompressor>();
     default: return nullptr;
   }
 }

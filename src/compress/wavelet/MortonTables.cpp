@@ -23,4 +23,12 @@ void BuildPositionTable(MortonPosition* table) {
     for (uint32_t x = 0; x < 32; ++x) table[Interleave(x, y)] = {y, x};
 }
 
+const MortonPosition* PositionTable() {
+  static const struct Table {
+    MortonPosition entries[1024];
+    Table() { BuildPositionTable(entries); }
+  } table;
+  return table.entries;
+}
+
 }  // namespace kestrelink::wavelet

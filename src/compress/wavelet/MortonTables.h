@@ -16,5 +16,7 @@ struct MortonPosition {
 void BuildMortonTable(uint32_t* table);
 // One (y, x) pair per Morton index.
 void BuildPositionTable(MortonPosition* table);
+// A position table built once for the process.
+const MortonPosition* PositionTable();
 
 }  // namespace kestrelink::wavelet

@@ -40,11 +40,33 @@ struct Speck2Params {
   int threshold = 0;
 };
 Speck2Params PlaneRange(int top, int ratio);
+// The lowest bit a newly significant sample codes: the lowest plane, or one
+// above it on the samples where the block's counter spreads the extra cut.
+inline int LowestBit(const Speck2Params& params, int& counter) {
+  int s = params.lowestPlane;
+  if (params.extraBits > 0) {
+    if (params.extraBits >= counter) {
+      ++counter;
+    } else {
+      counter = 0;
+      ++s;
+    }
+  }
+  return s;
+}
 
 // The highest plane a block may code; the most bytes a block's data can take.
 inline constexpr int kSpeck2TopLimit = 30;
 inline constexpr uint32_t kSpeck2EmptyTop = 1023;
 uint32_t Speck2BlockBound();
+
+class StreamBitReader;
+class StreamBitWriter;
+// EncodeBlock with the bits written directly; the same bytes.
+void EncodeSpeck2Block(StreamBitWriter& writer, int ratio, int levels, const uint32_t* mortonTable, int32_t** rows);
+// DecodeBlock over the stream's bits read directly; the same result.
+void DecodeSpeck2Block(StreamBitReader& reader, int ratio, int levels, const uint32_t* mortonTable,
+                       const MortonPosition* positionTable, int32_t** rows);
 
 }  // namespace kestrelink::wavelet
 

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "compress/wavelet/WaveletCompression.h"
+#include "compress/wavelet/StreamBits.h"
 #include "compress/wavelet/WaveletFrame.h"
 #include "platform/DebugSink.h"
 #include "platform/OpenMP.h"
@@ -17,6 +18,16 @@ namespace {
 // The nominal buffer of a block; past it the writer reports each byte, and
 // its room goes on to the block's worst case.
 uint32_t NominalBlockBytes(const WaveletPlane& plane) { return 2 * uint32_t(plane.blockSamples) + 2; }
+
+// The arithmetic encoder's writer reports every byte it stores at or past
+// the nominal buffer size.
+void ReportOverCapacity(uint32_t produced, uint32_t nominal) {
+  for (uint32_t position = nominal; position < produced; ++position) {
+    char line[64];
+    std::snprintf(line, sizeof line, "OutputBit %d ******* %d\r\n", int(position), int(nominal));
+    kestrelink::platform::OutputDebugString(line);
+  }
+}
 
 }  // namespace
 
@@ -57,16 +68,16 @@ bool CSpeck2Compressor::Encode(int planeCount, WaveletPlane** planes, void* dst)
     const int64_t count = plane.blockCount;
     m_blockData.resize(size_t(count));
     const uint32_t nominal = NominalBlockBytes(plane), room = Speck2BlockBound();
-    CSpeck2Coder& coder = *m_coder;
 #pragma omp parallel num_threads(kestrelink::platform::TeamSize())
     {
       std::vector<uint8_t> scratch(room);
 #pragma omp for schedule(static)
       for (int64_t b = 0; b < count; ++b) {
-        ArithmeticEncoder encoder(scratch.data(), nominal, room);
-        coder.EncodeBlock(encoder, 100, 32, 32, levels, morton, plane.blocks[size_t(b)]->rows);
-        encoder.FinishEncoder();
-        m_blockData[size_t(b)].assign(scratch.data(), scratch.data() + encoder.Length());
+        StreamBitWriter writer(scratch.data(), room);
+        EncodeSpeck2Block(writer, 100, levels, morton, plane.blocks[size_t(b)]->rows);
+        writer.FinishEncoder();
+        ReportOverCapacity(writer.Produced(), nominal);
+        m_blockData[size_t(b)].assign(scratch.data(), scratch.data() + writer.Length());
       }
     }
     for (int64_t b = 0; b < count; ++b) {
@@ -95,7 +106,6 @@ bool CSpeck2Compressor::Decode(const void* src, uint32_t srcBytes, int planeCoun
     const uint32_t* morton = m_mortonTables[p].get();
     const MortonPosition* positions = m_positionTables[p].get();
     const int64_t count = plane.blockCount;
-    CSpeck2Coder& coder = *m_coder;
 #pragma omp parallel for schedule(static) num_threads(kestrelink::platform::TeamSize())
     for (int64_t b = 0; b < count; ++b) {
       WaveletBlock& block = *plane.blocks[size_t(b)];
@@ -104,8 +114,8 @@ bool CSpeck2Compressor::Decode(const void* src, uint32_t srcBytes, int planeCoun
       // Fewer than 3 bytes hold no more than an empty block's top field
       // (FF D0), and would stop the decoder's start early: the block is zero.
       if (span.size < 3) continue;
-      ArithmeticDecoder decoder(span.data, span.size);
-      coder.DecodeBlock(decoder, 100, 32, 32, levels, morton, positions, block.rows);
+      StreamBitReader reader(span.data, span.size);
+      DecodeSpeck2Block(reader, 100, levels, morton, positions, block.rows);
     }
   }
   return true;

@@ -1,6 +1,10 @@
 // The decoder's side of the block coder: the encoder's walk with each flag
 // read instead of written. A node is only the coded bit and the level.
+#include <cstring>
+
 #include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/Speck2Walk.h"
+#include "compress/wavelet/StreamBits.h"
 
 namespace kestrelink::wavelet {
 
@@ -13,90 +17,49 @@ struct DecodeNode {
   int8_t level;
 };
 
-class BlockDecoder {
- public:
-  BlockDecoder(ArithmeticDecoder& in, DecodeNode* nodes, const Speck2Set* sets, int setCount,
-               const Speck2Params& params, const MortonPosition* positions, int32_t** rows)
-      : m_in(in), m_nodes(nodes), m_sets(sets), m_setCount(setCount), m_params(params), m_positions(positions),
-        m_rows(rows) {}
+template <class Reader>
+class BlockDecoder : public Speck2Walk<BlockDecoder<Reader>, DecodeNode> {
+  using Walk = Speck2Walk<BlockDecoder<Reader>, DecodeNode>;
+  friend Walk;
 
-  void PlanePass(int p) {
-    m_p = p;
-    m_params.threshold = 1 << p;
-    DecodeSet(m_sets[0]);
-    if (!m_in.DecodeBit()) return;
-    for (int t = 1;; t += 3) {
-      for (int i = t; i < t + 3 && i < m_setCount; ++i) DecodeSet(m_sets[i]);
-      if (!m_in.DecodeBit() || t + 3 >= m_setCount) return;
-    }
-  }
+ public:
+  BlockDecoder(Reader& in, DecodeNode* nodes, const Speck2Set* sets, int setCount, const Speck2Params& params,
+               const MortonPosition* positions, int32_t** rows)
+      : Walk(nodes, sets, setCount), m_in(in), m_params(params), m_positions(positions), m_rows(rows) {}
 
  private:
-  void DecodeSet(const Speck2Set& set) {
-    if (set.sideLog == 0) {
-      DecodeSample(set.start);
-      return;
-    }
-    if (!m_in.DecodeBit()) return;
-    const uint32_t end = set.start + uint32_t(set.width * set.height);
-    for (uint32_t i = set.start; i < end;) i += DecodeBlock(i, set.sideLog);
-  }
+  bool RestFlag(int) { return m_in.DecodeBit() != 0; }
+  bool SetFlag(uint32_t) { return m_in.DecodeBit() != 0; }
+  bool QuadrantFlag(uint32_t, int, bool) { return m_in.DecodeBit() != 0; }
 
-  uint32_t DecodeBlock(uint32_t i, int defaultLevel) {
-    const int lv = m_nodes[i].level >= 0 ? m_nodes[i].level : defaultLevel;
-    if (lv < 2) {
-      for (uint32_t k = 0; k < 4; ++k) DecodeSample(i + k);
-      return 4;
-    }
-    const int nl = lv - 1;
-    const uint32_t q = 1u << (2 * nl);
-    for (uint32_t c = 0; c < 4; ++c) {
-      const uint32_t j = i + c * q;
-      m_nodes[j].level = int8_t(nl);
-      if (m_in.DecodeBit()) DecodeBlock(j, nl);
-    }
-    return 4 * q;
-  }
-
-  void DecodeSample(uint32_t n) {
-    DecodeNode& node = m_nodes[n];
+  void Sample(uint32_t n) {
+    DecodeNode& node = this->m_nodes[n];
     if (node.flags & kCoded) return;
     if (!m_in.DecodeBit()) return;
     const uint32_t sign = m_in.DecodeBit();
-    int s = m_params.lowestPlane;
-    if (m_params.extraBits > 0) {
-      if (m_params.extraBits >= m_counter) {
-        ++m_counter;
-      } else {
-        m_counter = 0;
-        ++s;
-      }
-    }
-    const int32_t value = int32_t((m_in.DecodeBits(m_p - s) << s) | uint32_t(m_params.threshold));
+    const int p = this->m_p;
+    const int s = LowestBit(m_params, m_counter);
+    const int32_t value = int32_t((m_in.DecodeBits(p - s) << s) | (1u << p));
     const MortonPosition at = m_positions[n];
     m_rows[at.y][at.x] = sign ? -value : value;
     node.flags |= kCoded;
+    this->Close(n);
   }
 
-  ArithmeticDecoder& m_in;
-  DecodeNode* m_nodes;
-  const Speck2Set* m_sets;
-  int m_setCount;
+  Reader& m_in;
   Speck2Params m_params;
   const MortonPosition* m_positions;
   int32_t** m_rows;
-  int m_p = 0;
   int m_counter = 0;
 };
 
 }  // namespace
 
-}  // namespace kestrelink::wavelet
+namespace {
 
-using namespace kestrelink::wavelet;
-
-int CSpeck2Coder::DecodeBlock(ArithmeticDecoder& reader, int ratio, int, int, int levels,
-                              const uint32_t* mortonTable, const MortonPosition* positionTable, int32_t** rows) {
+template <class Reader>
+void DecodeAnyBlock(Reader& reader, int ratio, int levels, const uint32_t* mortonTable,
+                    const MortonPosition* positionTable, int32_t** rows) {
   Speck2Set sets[kMaxSpeck2Sets];
   const int setCount = BuildSpeck2Sets(Speck2Levels(levels), mortonTable, sets);
   DecodeNode nodes[1024];
@@ -104,10 +67,26 @@ int CSpeck2Coder::DecodeBlock(ArithmeticDecoder& reader, int ratio, int, int, in
   const uint32_t top = reader.DecodeBits(10);
   // 1023 is the all-zero block: nothing follows. A top past what samples can
   // reach only comes from a damaged block, which stays zero too.
-  if (top == kSpeck2EmptyTop || top > uint32_t(kSpeck2TopLimit)) return 1;
+  if (top == kSpeck2EmptyTop || top > uint32_t(kSpeck2TopLimit)) return;
   Speck2Params params = PlaneRange(int(top), ratio);
   params.setCount = setCount;
-  BlockDecoder coder(reader, nodes, sets, setCount, params, positionTable, rows);
+  BlockDecoder<Reader> coder(reader, nodes, sets, setCount, params, positionTable, rows);
   for (int p = int(top); p >= params.lowestPlane; --p) coder.PlanePass(p);
+}
+
+}  // namespace
+
+void DecodeSpeck2Block(StreamBitReader& reader, int ratio, int levels, const uint32_t* mortonTable,
+                       const MortonPosition* positionTable, int32_t** rows) {
+  DecodeAnyBlock(reader, ratio, levels, mortonTable, positionTable, rows);
+}
+
+}  // namespace kestrelink::wavelet
+
+using namespace kestrelink::wavelet;
+
+int CSpeck2Coder::DecodeBlock(ArithmeticDecoder& reader, int ratio, int, int, int levels,
+                              const uint32_t* mortonTable, const MortonPosition* positionTable, int32_t** rows) {
+  DecodeAnyBlock(reader, ratio, levels, mortonTable, positionTable, rows);
   return 1;
 }

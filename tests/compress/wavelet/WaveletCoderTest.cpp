@@ -10,6 +10,7 @@
 #include "compress/wavelet/FrequencyModel.h"
 #include "compress/wavelet/LiftingFilter.h"
 #include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/StreamBits.h"
 
 namespace {
 
@@ -72,6 +73,27 @@ TEST(WaveletArithmetic, RandomBitsRoundTripThroughBothRoads) {
       const Op& op = ops[i];
       const uint32_t got = op.kind == 0 ? d.DecodeBit() : op.kind == 1 ? d.DecodeBits(op.bits) : d.DecodeSymbol(decodeModel, true);
       ASSERT_EQ(got, op.kind == 0 ? (op.value & 1) : op.value) << "operation " << i;
+    }
+  }
+}
+
+TEST(WaveletArithmetic, EqualProbabilityDecodingReadsTheBitsAsTheyStand) {
+  // Any stream of 3 bytes or more, damaged or not, and reads running past its
+  // end: the arithmetic decoder and the plain bit reader agree.
+  std::mt19937 rng(21);
+  for (int trial = 0; trial < 400; ++trial) {
+    const Bytes stream = [&] {
+      Bytes b(3 + rng() % 40);
+      for (auto& x : b) x = uint8_t(rng());
+      return b;
+    }();
+    ArithmeticDecoder arithmetic(stream.data(), uint32_t(stream.size()));
+    StreamBitReader plain(stream.data(), uint32_t(stream.size()));
+    for (int op = 0; op < 120; ++op) {
+      const int n = int(rng() % 14);  // 0: one bit, else a field of n bits
+      const uint32_t a = n == 0 ? arithmetic.DecodeBit() : arithmetic.DecodeBits(n);
+      const uint32_t b = n == 0 ? plain.DecodeBit() : plain.DecodeBits(n);
+      ASSERT_EQ(a, b) << "trial " << trial << " (" << stream.size() << " bytes), read " << op << " of " << n << " bits";
     }
   }
 }
@@ -221,11 +243,23 @@ TEST(WaveletSpeck2, RandomBlocksRoundTrip) {
       for (auto& row : in.samples)
         for (auto& v : row) v = (rng() % 4 == 0) ? int32_t(rng() % uint32_t(2 * range)) - range : 0;
       const Bytes stream = CodeBlock(in, levels);
+      // The direct bit writer gives the same bytes.
+      Bytes direct(Speck2BlockBound());
+      StreamBitWriter writer(direct.data(), uint32_t(direct.size()));
+      EncodeSpeck2Block(writer, 100, levels, morton, in.rows);
+      writer.FinishEncoder();
+      direct.resize(writer.Length());
+      ASSERT_EQ(direct, stream) << "levels " << levels << " trial " << trial;
       ArithmeticDecoder d(stream.data(), uint32_t(stream.size()));
       coder.DecodeBlock(d, 100, 32, 32, levels, morton, positions, out.rows);
+      Block viaReader;
+      StreamBitReader reader(stream.data(), uint32_t(stream.size()));
+      DecodeSpeck2Block(reader, 100, levels, morton, positions, viaReader.rows);
       for (int y = 0; y < 32; ++y)
-        for (int x = 0; x < 32; ++x)
+        for (int x = 0; x < 32; ++x) {
           ASSERT_EQ(out.samples[y][x], in.samples[y][x]) << "levels " << levels << " trial " << trial << " at " << x << "," << y;
+          ASSERT_EQ(viaReader.samples[y][x], in.samples[y][x]) << "levels " << levels << " trial " << trial;
+        }
     }
   }
 }

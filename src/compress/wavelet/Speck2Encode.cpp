@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 #include "compress/wavelet/Speck2Coder.h"
 #include "compress/wavelet/Speck2Walk.h"
@@ -69,6 +70,18 @@ class BlockEncoder : public Speck2Walk<BlockEncoder<Writer>, EncodeNode> {
     EncodeNode& node = this->m_nodes[n];
     const int p = this->m_p;
     if (node.flags & kCoded) return;
+    if constexpr (std::is_same_v<Writer, StreamBitWriter>) {
+      // All planes, and the magnitude's lower bits in one group: the
+      // sample's bits as one field, without a branch on its significance.
+      if (p <= 8 && m_params.lowestPlane == 0 && m_params.extraBits == 0 && (node.flags & kMsb) <= p) {
+        const uint32_t significant = uint32_t((node.flags & kMsb) == p) & uint32_t((p | node.magnitude) != 0);
+        const uint32_t field = ((2u | uint32_t(node.flags >> 7)) << p) | (node.magnitude & ((1u << p) - 1));
+        m_out.Put(significant ? field : 0, significant ? uint32_t(p) + 2 : 1);
+        node.flags |= uint8_t(significant << 6);
+        this->Close(n, significant);
+        return;
+      }
+    }
     const int msb = node.flags & kMsb;
     if (msb > p) {
       platform::OutputDebugString("CSpeck2Coder::SpeckEncodePixel Error");

@@ -36,8 +36,8 @@ class Speck2Walk {
   }
 
  protected:
-  // Marks sample n as coded.
-  void Close(uint32_t n) { m_open[n >> 2] &= uint8_t(~(1u << (n & 3))); }
+  // Marks sample n as coded when `coded` is 1.
+  void Close(uint32_t n, uint32_t coded = 1) { m_open[n >> 2] &= uint8_t(~(coded << (n & 3))); }
 
   Node* m_nodes;
   const Speck2Set* m_sets;
@@ -61,9 +61,8 @@ class Speck2Walk {
   uint32_t Block(uint32_t i, int defaultLevel) {
     const int lv = m_nodes[i].level >= 0 ? m_nodes[i].level : defaultLevel;
     if (lv < 2) {
-      // A group whose samples are all coded codes nothing more.
-      if (m_open[i >> 2])
-        for (uint32_t k = 0; k < 4; ++k) side().Sample(i + k);
+      // Coded samples code nothing more: only the open ones of the group.
+      for (uint32_t open = m_open[i >> 2]; open; open &= open - 1) side().Sample(i + uint32_t(__builtin_ctz(open)));
       return 4;
     }
     const int nl = lv - 1;

@@ -97,7 +97,7 @@ class StreamBitWriter {
   uint32_t Length() const { return m_position < m_room ? m_position : m_room; }
   uint32_t Produced() const { return m_position; }
 
- private:
+  // The low n bits of `bits` (1 <= n <= 32), most significant first.
   void Put(uint32_t bits, uint32_t n) {
     m_acc |= uint64_t(bits) << (64 - m_count - n);
     m_count += n;
@@ -110,6 +110,8 @@ class StreamBitWriter {
       m_count -= 32;
     }
   }
+
+ private:
   void Store(uint8_t byte) {
     if (m_position < m_room) m_buffer[m_position] = byte;
     ++m_position;

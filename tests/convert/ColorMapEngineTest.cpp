@@ -150,7 +150,7 @@ TEST(ColorMapTables, OneFileServesEveryDepth) {
 }
 
 TEST(ColorMapTables, AMissingFileFailsTheLoadAndStillAppliesLater) {
-  const std::string path = ::testing::TempDir() + "lut-appears-later.txt";
+  const std::string path = ::testing::TempDir() + "lut-appears-later-" + std::to_string(getpid()) + ".txt";
   std::remove(path.c_str());
   CIppImageConverter conv;
   conv.SetImageColorMap(true);

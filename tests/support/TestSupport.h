@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "primitives/Variant.h"
@@ -48,11 +50,13 @@ class ScopedVariant {
   ~ScopedVariant() { kestrelink::ForceVariant(kestrelink::kVariantCount); }
 };
 
-// A file under the test's temporary folder, removed at scope end.
+// A file under the test's temporary folder, removed at scope end. The name
+// carries the process id: ctest runs tests as parallel processes that share
+// the folder, and a table file is read again at every rebuild.
 class TempFile {
  public:
   explicit TempFile(const std::string& name, const std::string& content = {}) {
-    path_ = ::testing::TempDir() + name;
+    path_ = ::testing::TempDir() + "kestrelink-" + std::to_string(getpid()) + "-" + name;
     {
       FILE* f = std::fopen(path_.c_str(), "wb");
       if (f) {

@@ -29,8 +29,10 @@ std::vector<uint8_t> Stream(std::initializer_list<std::pair<int, const std::vect
 std::string Types(const std::vector<uint8_t>& unit) {
   std::string types;
   for (size_t i = 0; i + 4 < unit.size(); ++i)
-    if (unit[i] == 0 && unit[i + 1] == 0 && unit[i + 2] == 0 && unit[i + 3] == 1)
-      types += (types.empty() ? "" : " ") + std::to_string(unit[i + 4] & 31);
+    if (unit[i] == 0 && unit[i + 1] == 0 && unit[i + 2] == 0 && unit[i + 3] == 1) {
+      if (!types.empty()) types += ' ';
+      types += std::to_string(unit[i + 4] & 31);
+    }
   return types;
 }
 

@@ -13,28 +13,14 @@
 #include <string>
 
 #include "PackedMonoTestFrames.h"
+#include "support/RandomLut.h"
 
 namespace {
 
 using packedtest::Pair;
 
-struct Lut {
-  std::vector<uint16_t> t[3];
-};
-
-// A file that sets every row of all three tables to values below 2^bits.
-std::string MakeLut(uint32_t bits, uint32_t seed, Lut& lut) {
-  std::mt19937 rng(seed);
-  const uint32_t n = 1u << bits;
-  std::string text;
-  for (int c = 0; c < 3; ++c) lut.t[c].resize(n);
-  for (uint32_t i = 0; i < n; ++i) {
-    for (int c = 0; c < 3; ++c) lut.t[c][i] = uint16_t(rng() % n);
-    text += std::to_string(i) + "," + std::to_string(lut.t[0][i]) + "," + std::to_string(lut.t[1][i]) + "," +
-            std::to_string(lut.t[2][i]) + ",\n";
-  }
-  return text;
-}
+using Lut = testsupport::RandomLut;
+using testsupport::MakeLut;
 
 enum class Source { Msb, Swap, Pairs, Pco };
 enum class Out { Bgrx, Bgr, Mono8, Mono16 };

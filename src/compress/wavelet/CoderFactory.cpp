@@ -1,7 +1,7 @@
 // The coder factories of the wavelet codec.
 #include "compress/wavelet/Compressor.h"
 #include "compress/wavelet/SimpleCompressor.h"
-#include "compress/wavelet/Speck2Compressor.h"
+#include "compress/wavelet/SetPartitionCompressor.h"
 
 namespace kestrelink::wavelet {
 

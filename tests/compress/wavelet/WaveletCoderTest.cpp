@@ -9,7 +9,7 @@
 #include "compress/wavelet/ArithmeticCoder.h"
 #include "compress/wavelet/FrequencyModel.h"
 #include "compress/wavelet/LiftingFilter.h"
-#include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/SetPartitionCoder.h"
 #include "compress/wavelet/StreamBits.h"
 
 namespace {

@@ -2,8 +2,8 @@
 // read instead of written. A node is only the coded bit and the level.
 #include <cstring>
 
-#include "compress/wavelet/Speck2Coder.h"
-#include "compress/wavelet/Speck2Walk.h"
+#include "compress/wavelet/SetPartitionCoder.h"
+#include "compress/wavelet/SetPartitionWalk.h"
 #include "compress/wavelet/StreamBits.h"
 
 namespace kestrelink::wavelet {

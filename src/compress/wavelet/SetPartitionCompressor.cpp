@@ -1,6 +1,6 @@
 // Frames of the set-partition coder: blocks coded in parallel, each into its
 // own buffer, then laid out in grid order behind their lengths.
-#include "compress/wavelet/Speck2Compressor.h"
+#include "compress/wavelet/SetPartitionCompressor.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,5 +1,5 @@
 // Sub-band sets of the block coder and its plane range.
-#include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/SetPartitionCoder.h"
 
 namespace kestrelink::wavelet {
 

@@ -7,7 +7,7 @@
 #include "compress/wavelet/Compressor.h"
 #include "compress/wavelet/MortonTables.h"
 #include "compress/wavelet/WaveletFrame.h"
-#include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/SetPartitionCoder.h"
 
 class CSpeck2Compressor : public CCompressor {
  public:

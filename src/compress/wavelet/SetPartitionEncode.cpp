@@ -6,8 +6,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include "compress/wavelet/Speck2Coder.h"
-#include "compress/wavelet/Speck2Walk.h"
+#include "compress/wavelet/SetPartitionCoder.h"
+#include "compress/wavelet/SetPartitionWalk.h"
 #include "compress/wavelet/StreamBits.h"
 #include "platform/DebugSink.h"
 

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "compress/wavelet/Speck2Coder.h"
+#include "compress/wavelet/SetPartitionCoder.h"
 
 namespace kestrelink::wavelet {
 

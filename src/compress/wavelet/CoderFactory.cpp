@@ -1,5 +1,6 @@
 // The coder factories of the wavelet codec.
 #include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/EzwCompressor.h"
 #include "compress/wavelet/SimpleCompressor.h"
 #include "compress/wavelet/SetPartitionCompressor.h"
 
@@ -14,6 +15,7 @@ std::unique_ptr<CCompressor> MakeCoder(CoderKind kind) {
   switch (kind) {
     case CoderKind::Speck2: return std::make_unique<CSpeck2Compressor>();
     case CoderKind::Simple: return std::make_unique<CSimpleCompressor>();
+    case CoderKind::Ezw: return std::make_unique<CEZWCompressor>();
     default: return nullptr;
   }
 }

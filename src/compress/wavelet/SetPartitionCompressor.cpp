@@ -2,14 +2,10 @@
 // own buffer, then laid out in grid order behind their lengths.
 #include "compress/wavelet/SetPartitionCompressor.h"
 
-#include <cstdio>
-#include <cstring>
-
 #include "compress/wavelet/WaveletCompression.h"
 #include "compress/wavelet/StreamBits.h"
+#include "compress/wavelet/PlaneBlocks.h"
 #include "compress/wavelet/WaveletFrame.h"
-#include "platform/DebugSink.h"
-#include "platform/OpenMP.h"
 
 using namespace kestrelink::wavelet;
 
@@ -18,16 +14,6 @@ namespace {
 // The nominal buffer of a block; past it the writer reports each byte, and
 // its room goes on to the block's worst case.
 uint32_t NominalBlockBytes(const WaveletPlane& plane) { return 2 * uint32_t(plane.blockSamples) + 2; }
-
-// The arithmetic encoder's writer reports every byte it stores at or past
-// the nominal buffer size.
-void ReportOverCapacity(uint32_t produced, uint32_t nominal) {
-  for (uint32_t position = nominal; position < produced; ++position) {
-    char line[64];
-    std::snprintf(line, sizeof line, "OutputBit %d ******* %d\r\n", int(position), int(nominal));
-    kestrelink::platform::OutputDebugString(line);
-  }
-}
 
 }  // namespace
 
@@ -65,29 +51,19 @@ bool CSpeck2Compressor::Encode(int planeCount, WaveletPlane** planes, void* dst)
     WaveletPlane& plane = *planes[p];
     BuildTables(p);
     const uint32_t* morton = m_mortonTables[p].get();
-    const int64_t count = plane.blockCount;
-    m_blockData.resize(size_t(count));
     const uint32_t nominal = NominalBlockBytes(plane), room = Speck2BlockBound();
-#pragma omp parallel num_threads(kestrelink::platform::TeamSize())
-    {
-      std::vector<uint8_t> scratch(room);
-#pragma omp for schedule(static)
-      for (int64_t b = 0; b < count; ++b) {
-        StreamBitWriter writer(scratch.data(), room);
-        EncodeSpeck2Block(writer, 100, levels, morton, plane.blocks[size_t(b)]->rows);
+    CodePlaneBlocks(plane, room, m_blockData, [&] {
+      return [&](WaveletBlock& block, uint8_t* buffer) {
+        StreamBitWriter writer(buffer, room);
+        EncodeSpeck2Block(writer, 100, levels, morton, block.rows);
         writer.FinishEncoder();
         ReportOverCapacity(writer.Produced(), nominal);
-        m_blockData[size_t(b)].assign(scratch.data(), scratch.data() + writer.Length());
-      }
-    }
-    for (int64_t b = 0; b < count; ++b) {
-      const std::vector<uint8_t>& data = m_blockData[size_t(b)];
-      PutBlock(out, total, data.data(), uint16_t(data.size()));
-    }
+        return writer.Length();
+      };
+    });
+    LayOutBlocks(out, total, m_blockData);
   }
-  char line[80];
-  std::snprintf(line, sizeof line, "*********Encode length is %d**************", int(total));
-  kestrelink::platform::OutputDebugString(line);
+  ReportEncodeLength(total);
   WriteFrameTotal(out, total);
   return true;
 }
@@ -101,22 +77,18 @@ bool CSpeck2Compressor::Decode(const void* src, uint32_t srcBytes, int planeCoun
   for (int p = 0; p < planeCount && p < 3; ++p) {
     WaveletPlane& plane = *planes[p];
     BuildTables(p);
-    m_spans.resize(size_t(plane.blockCount));
-    if (!FindBlocks(frame, bound, offset, m_spans)) return false;
     const uint32_t* morton = m_mortonTables[p].get();
     const MortonPosition* positions = m_positionTables[p].get();
-    const int64_t count = plane.blockCount;
-#pragma omp parallel for schedule(static) num_threads(kestrelink::platform::TeamSize())
-    for (int64_t b = 0; b < count; ++b) {
-      WaveletBlock& block = *plane.blocks[size_t(b)];
-      std::memset(block.samples, 0, sizeof block.samples);
-      const BlockSpan span = m_spans[size_t(b)];
-      // Fewer than 3 bytes hold no more than an empty block's top field
-      // (FF D0), and would stop the decoder's start early: the block is zero.
-      if (span.size < 3) continue;
-      StreamBitReader reader(span.data, span.size);
-      DecodeSpeck2Block(reader, 100, levels, morton, positions, block.rows);
-    }
+    const bool ok = DecodePlaneBlocks(frame, bound, offset, plane, m_spans, [&] {
+      return [&](WaveletBlock& block, const BlockSpan& span) {
+        // Fewer than 3 bytes hold no more than an empty block's top field
+        // (FF D0), and would stop the decoder's start early: the block is zero.
+        if (span.size < 3) return;
+        StreamBitReader reader(span.data, span.size);
+        DecodeSpeck2Block(reader, 100, levels, morton, positions, block.rows);
+      };
+    });
+    if (!ok) return false;
   }
   return true;
 }

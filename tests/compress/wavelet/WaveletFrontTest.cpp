@@ -10,46 +10,15 @@
 #include <random>
 #include <vector>
 
+#include "WaveletTestFrames.h"
+
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using namespace kestrelink::wavelet::testframes;
 
 bool Prepare(CIppWavletCompression& c, int w, int h, int bits, int levels) {
   return c.Initialize(100, w, h, bits, bits, levels, 1, 1, 0);
 }
-
-// A camera-like frame: gradients, a disc, and some noise; samples below 2^bits.
-Bytes SceneFrame(int w, int h, int bits, uint32_t seed) {
-  std::mt19937 rng(seed);
-  const int bytes = bits == 8 ? 1 : 2;
-  const int maxValue = (1 << bits) - 1;
-  Bytes out(size_t(w) * size_t(h) * size_t(bytes));
-  for (int y = 0; y < h; ++y)
-    for (int x = 0; x < w; ++x) {
-      const double dx = x - w / 2.0, dy = y - h / 3.0;
-      double v = (x * 0.6 + y * 0.3) / (w + h) * maxValue;
-      if (dx * dx + dy * dy < (w * w) / 16.0) v = maxValue * 0.8;
-      v += double(int(rng() % 9) - 4) * maxValue / 255.0;
-      const int s = std::clamp(int(v), 0, maxValue);
-      const size_t i = (size_t(y) * size_t(w) + size_t(x)) * size_t(bytes);
-      out[i] = uint8_t(s);
-      if (bytes == 2) out[i + 1] = uint8_t(s >> 8);
-    }
-  return out;
-}
-
-int Sample(const Bytes& f, size_t i, int bits) {
-  return bits == 8 ? f[i] : f[2 * i] | f[2 * i + 1] << 8;
-}
-
-int LargestDifference(const Bytes& a, const Bytes& b, int bits) {
-  const size_t n = bits == 8 ? a.size() : a.size() / 2;
-  int worst = 0;
-  for (size_t i = 0; i < n; ++i) worst = std::max(worst, std::abs(Sample(a, i, bits) - Sample(b, i, bits)));
-  return worst;
-}
-
-uint32_t Total(const Bytes& f) { return uint32_t(f[0] | f[1] << 8 | f[2] << 16 | uint32_t(f[3]) << 24); }
 
 Bytes EncodeFrame(CIppWavletCompression& c, Bytes frame) {
   Bytes out(c.MaxEncodedBytes());

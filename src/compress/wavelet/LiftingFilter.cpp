@@ -6,15 +6,28 @@
 
 namespace kestrelink::wavelet {
 
+namespace {
+
+// Sums in 32 bits that wrap rather than overflow: the coefficients of a
+// damaged frame can be anything, and their sums must not be undefined. The
+// sums of well-formed frames stay far inside 32 bits, where this is plain
+// addition.
+inline int32_t Sum(int32_t a, int32_t b) { return int32_t(uint32_t(a) + uint32_t(b)); }
+inline int32_t Sum(int32_t a, int32_t b, int32_t c) { return int32_t(uint32_t(a) + uint32_t(b) + uint32_t(c)); }
+inline int32_t Less(int32_t a, int32_t b) { return int32_t(uint32_t(a) - uint32_t(b)); }
+inline int32_t Twice(int32_t a) { return int32_t(uint32_t(a) << 1); }
+
+}  // namespace
+
 void LiftForward(int32_t* x, int n, int32_t* out) {
   const int h = n / 2;
-  for (int k = 0; k + 1 < h; ++k) x[2 * k + 1] -= (x[2 * k] + x[2 * k + 2] + 1) / 2;
-  x[n - 1] -= (2 * x[n - 2] + 1) / 2;
-  out[0] = x[0] + (2 * x[1] + 2) / 4;
-  for (int k = 1; k + 1 < h; ++k) out[k] = x[2 * k] + (x[2 * k - 1] + x[2 * k + 1] + 2) / 4;
+  for (int k = 0; k + 1 < h; ++k) x[2 * k + 1] = Less(x[2 * k + 1], Sum(x[2 * k], x[2 * k + 2], 1) / 2);
+  x[n - 1] = Less(x[n - 1], Sum(Twice(x[n - 2]), 1) / 2);
+  out[0] = Sum(x[0], Sum(Twice(x[1]), 2) / 4);
+  for (int k = 1; k + 1 < h; ++k) out[k] = Sum(x[2 * k], Sum(x[2 * k - 1], x[2 * k + 1], 2) / 4);
   // The last even sample takes only its left neighbour, twice; x[n-1] plays
   // no part. A settled behaviour of the format on both sides of the codec.
-  out[h - 1] = x[n - 2] + (2 * x[n - 3] + 2) / 4;
+  out[h - 1] = Sum(x[n - 2], Sum(Twice(x[n - 3]), 2) / 4);
   for (int k = 0; k < h; ++k) out[h + k] = x[2 * k + 1];
 }
 
@@ -23,15 +36,15 @@ void LiftInverse(const int32_t* in, int n, int32_t* out) {
   const int32_t* s = in;
   const int32_t* d = in + h;
   int32_t e[32];
-  e[0] = s[0] + (-2 - 2 * d[0]) / 4;
-  for (int k = 1; k + 1 < h; ++k) e[k] = s[k] - (d[k] + d[k - 1] + 2) / 4;
-  e[h - 1] = s[h - 1] + (-2 - 2 * d[h - 2]) / 4;
+  e[0] = Sum(s[0], Less(-2, Twice(d[0])) / 4);
+  for (int k = 1; k + 1 < h; ++k) e[k] = Less(s[k], Sum(d[k], d[k - 1], 2) / 4);
+  e[h - 1] = Sum(s[h - 1], Less(-2, Twice(d[h - 2])) / 4);
   for (int k = 0; k + 1 < h; ++k) {
     out[2 * k] = e[k];
-    out[2 * k + 1] = d[k] + (e[k] + e[k + 1] + 1) / 2;
+    out[2 * k + 1] = Sum(d[k], Sum(e[k], e[k + 1], 1) / 2);
   }
   out[n - 2] = e[h - 1];
-  out[n - 1] = d[h - 1] + (2 * e[h - 1] + 1) / 2;
+  out[n - 1] = Sum(d[h - 1], Sum(Twice(e[h - 1]), 1) / 2);
 }
 
 namespace {

@@ -1,6 +1,7 @@
 // The decoder's side of the block coder: the encoder's walk with each flag
 // read instead of written. A node is only the coded bit and the level.
 #include <cstring>
+#include <type_traits>
 
 #include "compress/wavelet/SetPartitionCoder.h"
 #include "compress/wavelet/SetPartitionWalk.h"
@@ -36,8 +37,23 @@ class BlockDecoder : public Speck2Walk<BlockDecoder<Reader>, DecodeNode> {
     DecodeNode& node = this->m_nodes[n];
     if (node.flags & kCoded) return;
     if (!m_in.DecodeBit()) return;
-    const uint32_t sign = m_in.DecodeBit();
     const int p = this->m_p;
+    if constexpr (std::is_same_v<Reader, StreamBitReader>) {
+      // All planes: the sign and the lower bits as one field; past 8 bits
+      // the lowest byte came first.
+      if (p <= 16 && m_params.lowestPlane == 0 && m_params.extraBits == 0) {
+        const uint32_t field = m_in.Take(uint32_t(p) + 1);
+        const uint32_t low = field & ((1u << p) - 1);
+        const uint32_t lower = p <= 8 ? low : (low >> (p - 8)) | ((low & ((1u << (p - 8)) - 1)) << 8);
+        const int32_t value = int32_t(lower | (1u << p));
+        const MortonPosition at = m_positions[n];
+        m_rows[at.y][at.x] = (field >> p) ? -value : value;
+        node.flags |= kCoded;
+        this->Close(n);
+        return;
+      }
+    }
+    const uint32_t sign = m_in.DecodeBit();
     const int s = LowestBit(m_params, m_counter);
     const int32_t value = int32_t((m_in.DecodeBits(p - s) << s) | (1u << p));
     const MortonPosition at = m_positions[n];

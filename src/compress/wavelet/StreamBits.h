@@ -31,8 +31,7 @@ class StreamBitReader {
     if (n >= 1) value |= Take(uint32_t(n)) << shift;
     return value;
   }
-
- private:
+  // The next n bits (1 <= n <= 32) as one value, first bit on top.
   uint32_t Take(uint32_t n) {
     if (m_count < int(n)) Refill();
     const uint32_t v = uint32_t(m_window >> (64 - n));
@@ -40,6 +39,8 @@ class StreamBitReader {
     m_count -= int(n);
     return v;
   }
+
+ private:
   // Tops the window up to at least 57 bits; zeros past the end.
   void Refill() {
     const uint32_t room = uint32_t(64 - m_count) / 8;

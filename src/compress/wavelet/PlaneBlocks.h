@@ -39,8 +39,10 @@ inline void LayOutBlocks(uint8_t* frame, uint32_t& total, const std::vector<std:
 }
 
 // makeDecoder() gives a callable void(WaveletBlock&, const BlockSpan&) that
-// fills one block, already zeroed, from its data. False when the frame ends
-// before the plane's last block.
+// fills one block, already zeroed, from its data. A block of fewer than 3
+// bytes holds no more than an empty block's first field, and would leave the
+// arithmetic decoder's interval empty: it stays zero. False when the frame
+// ends before the plane's last block.
 template <class MakeDecoder>
 bool DecodePlaneBlocks(const uint8_t* frame, uint32_t bound, uint32_t& offset, WaveletPlane& plane,
                        std::vector<BlockSpan>& spans, MakeDecoder makeDecoder) {
@@ -54,9 +56,30 @@ bool DecodePlaneBlocks(const uint8_t* frame, uint32_t bound, uint32_t& offset, W
     for (int64_t b = 0; b < count; ++b) {
       WaveletBlock& block = *plane.blocks[size_t(b)];
       std::memset(block.samples, 0, sizeof block.samples);
-      decode(block, spans[size_t(b)]);
+      if (spans[size_t(b)].size >= 3) decode(block, spans[size_t(b)]);
     }
   }
+  return true;
+}
+
+// A whole frame: each plane's blocks coded by makeCoder(plane)'s coders
+// (see CodePlaneBlocks) and laid out behind the frame's total.
+template <class MakeCoder>
+void EncodeBlockFrame(int planeCount, WaveletPlane** planes, void* dst, uint32_t room,
+                      std::vector<std::vector<uint8_t>>& store, MakeCoder makeCoder);
+
+// A whole frame of at most srcBytes bytes back into the planes' blocks
+// through makeDecoder(plane)'s decoders (see DecodePlaneBlocks). False when
+// the frame is too short for its blocks.
+template <class MakeDecoder>
+bool DecodeBlockFrame(const void* src, uint32_t srcBytes, int planeCount, WaveletPlane** planes,
+                      std::vector<BlockSpan>& spans, MakeDecoder makeDecoder) {
+  const auto* frame = static_cast<const uint8_t*>(src);
+  const uint32_t bound = FrameBound(frame, srcBytes);
+  if (bound == 0) return false;
+  uint32_t offset = kFrameHeaderBytes;
+  for (int p = 0; p < planeCount && p < 3; ++p)
+    if (!DecodePlaneBlocks(frame, bound, offset, *planes[p], spans, [&] { return makeDecoder(p); })) return false;
   return true;
 }
 
@@ -64,7 +87,23 @@ bool DecodePlaneBlocks(const uint8_t* frame, uint32_t bound, uint32_t& offset, W
 // the nominal buffer size; the fast writers report afterwards through this.
 void ReportOverCapacity(uint32_t produced, uint32_t nominal);
 
+// The most bytes a frame can take when a block's data take at most `room`.
+uint32_t MaxBlockFrameBytes(int planeCount, WaveletPlane** planes, uint32_t room);
+
 // "*********Encode length is %d**************" to the debug output.
 void ReportEncodeLength(uint32_t total);
+
+template <class MakeCoder>
+void EncodeBlockFrame(int planeCount, WaveletPlane** planes, void* dst, uint32_t room,
+                      std::vector<std::vector<uint8_t>>& store, MakeCoder makeCoder) {
+  auto* out = static_cast<uint8_t*>(dst);
+  uint32_t total = kFrameHeaderBytes;
+  for (int p = 0; p < planeCount && p < 3; ++p) {
+    CodePlaneBlocks(*planes[p], room, store, [&] { return makeCoder(p); });
+    LayOutBlocks(out, total, store);
+  }
+  ReportEncodeLength(total);
+  WriteFrameTotal(out, total);
+}
 
 }  // namespace kestrelink::wavelet

@@ -17,16 +17,8 @@ namespace {
 using namespace kestrelink::wavelet;
 using namespace kestrelink::wavelet::testframes;
 
-struct Block {
-  Block() {
-    for (int y = 0; y < 32; ++y) rows[y] = samples + 32 * y;
-  }
-  int32_t samples[1024] = {};
-  int32_t* rows[32];
-};
-
 template <class T>
-Bytes EncodeBlock(const CEZWCoder<T>& coder, Block& block, int levels, uint32_t budget = 1024) {
+Bytes EncodeBlock(const CEZWCoder<T>& coder, TestBlock& block, int levels, uint32_t budget = 1024) {
   const EZWShape shape(32, 32, levels);
   typename CEZWCoder<T>::Scratch scratch(shape);
   Bytes buffer(4096);
@@ -37,11 +29,11 @@ Bytes EncodeBlock(const CEZWCoder<T>& coder, Block& block, int levels, uint32_t 
   return buffer;
 }
 
-Block DecodeBlock(const Bytes& data, int levels, uint32_t budget = 1024) {
+TestBlock DecodeBlock(const Bytes& data, int levels, uint32_t budget = 1024) {
   const CIntegerEZWCoder coder;
   const EZWShape shape(32, 32, levels);
   CEZWCoder<int32_t>::Scratch scratch(shape);
-  Block out;
+  TestBlock out;
   ArithmeticDecoder decoder(data.data(), uint32_t(data.size()));
   coder.DecodeBlock(decoder, out.rows, scratch, budget, 256);
   return out;
@@ -59,9 +51,9 @@ int32_t Reconstructed(int32_t c) {
 
 // Sparse, mostly small coefficients with a few large ones, as a transformed
 // block of camera content has.
-Block CoefficientBlock(uint32_t seed, int spread) {
+TestBlock CoefficientBlock(uint32_t seed, int spread) {
   std::mt19937 rng(seed);
-  Block b;
+  TestBlock b;
   for (int32_t& s : b.samples) {
     const uint32_t r = rng() % 100;
     if (r < 50) s = 0;
@@ -76,11 +68,11 @@ TEST(WaveletEzw, BlocksComeBackAsTheFormatReconstructsThem) {
   for (int levels = 1; levels <= 5; ++levels)
     for (uint32_t seed = 1; seed <= 6; ++seed) {
       SCOPED_TRACE(testing::Message() << "levels " << levels << " seed " << seed);
-      Block in = CoefficientBlock(seed, seed % 2 ? 300 : 5000);
+      TestBlock in = CoefficientBlock(seed, seed % 2 ? 300 : 5000);
       in.samples[0] = 900;  // a strong low band, as in real blocks
       const Bytes data = EncodeBlock(coder, in, levels);
       ASSERT_LT(data.size(), 1024u) << "budget reached; the test wants every pass";
-      const Block out = DecodeBlock(data, levels);
+      const TestBlock out = DecodeBlock(data, levels);
       for (int i = 0; i < 1024; ++i) ASSERT_EQ(out.samples[i], Reconstructed(in.samples[i])) << "at " << i;
     }
 }
@@ -91,15 +83,15 @@ TEST(WaveletEzw, FlatBlocksByHand) {
   // four zerotree roots with the adaptive model at 1/4, 2/5, 3/6, 4/7 cost
   // 2 + 1 + 1 + 1 zero bits; the end adds 0 and its pending 1. Sixteen zeros
   // and a one.
-  Block flat;
+  TestBlock flat;
   EXPECT_EQ(EncodeBlock(coder, flat, 4), (Bytes{0x00, 0x00, 0x80}));
   // Levels 5: a one-sample low band, one root (2 bits), then 0 and 1.
   EXPECT_EQ(EncodeBlock(coder, flat, 5), (Bytes{0x00, 0x04}));
   // Magnitudes of 1 become significant at threshold 1, where they are placed
   // at 0: a block of them comes back flat.
-  Block ones;
+  TestBlock ones;
   for (int32_t& s : ones.samples) s = (&s - ones.samples) % 3 == 0 ? -1 : 1;
-  const Block out = DecodeBlock(EncodeBlock(coder, ones, 3), 3);
+  const TestBlock out = DecodeBlock(EncodeBlock(coder, ones, 3), 3);
   for (int32_t s : out.samples) ASSERT_EQ(s, 0);
 }
 
@@ -107,7 +99,7 @@ TEST(WaveletEzw, FloatCoderMatchesTheIntegerOneOnWholeSamples) {
   const CIntegerEZWCoder integer;
   const CFloatEZWCoder floating;
   for (int levels : {2, 4}) {
-    Block a = CoefficientBlock(40 + uint32_t(levels), 700), b = a;
+    TestBlock a = CoefficientBlock(40 + uint32_t(levels), 700), b = a;
     EXPECT_EQ(EncodeBlock(floating, a, levels), EncodeBlock(integer, b, levels));
   }
   struct Probe : CFloatEZWCoder {
@@ -122,17 +114,17 @@ TEST(WaveletEzw, FloatCoderMatchesTheIntegerOneOnWholeSamples) {
 TEST(WaveletEzw, BudgetsBoundTheBlockAndTheDecode) {
   const CIntegerEZWCoder coder;
   std::mt19937 rng(7);
-  Block noise;
+  TestBlock noise;
   for (int32_t& s : noise.samples) s = int32_t(rng() % 8001) - 4000;
   const Bytes data = EncodeBlock(coder, noise, 3);
   // Coding stops once the bits pass 1024 bytes: a symbol and the end later.
   EXPECT_GE(data.size(), 1024u);
   EXPECT_LE(data.size(), 1032u);
   // A decode budget of 0 reads nothing past the exponent.
-  const Block none = DecodeBlock(data, 3, 0);
+  const TestBlock none = DecodeBlock(data, 3, 0);
   for (int32_t s : none.samples) ASSERT_EQ(s, 0);
   // A cut budget gives a coarser block: no sample closer than the full one.
-  const Block full = DecodeBlock(data, 3), coarse = DecodeBlock(data, 3, 200);
+  const TestBlock full = DecodeBlock(data, 3), coarse = DecodeBlock(data, 3, 200);
   long fullError = 0, coarseError = 0;
   for (int i = 0; i < 1024; ++i) {
     fullError += std::abs(full.samples[i] - noise.samples[i]);

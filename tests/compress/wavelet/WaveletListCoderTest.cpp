@@ -16,15 +16,7 @@ namespace {
 using namespace kestrelink::wavelet;
 using namespace kestrelink::wavelet::testframes;
 
-struct Block {
-  Block() {
-    for (int y = 0; y < 32; ++y) rows[y] = samples + 32 * y;
-  }
-  int32_t samples[1024] = {};
-  int32_t* rows[32];
-};
-
-Bytes Encode(Block& block, int levels) {
+Bytes Encode(TestBlock& block, int levels) {
   Speck1Scratch scratch;
   Bytes buffer(Speck1BlockBound());
   ArithmeticEncoder encoder(buffer.data(), 2050, uint32_t(buffer.size()));
@@ -34,9 +26,9 @@ Bytes Encode(Block& block, int levels) {
   return buffer;
 }
 
-Block Decode(const Bytes& data, int levels) {
+TestBlock Decode(const Bytes& data, int levels) {
   Speck1Scratch scratch;
-  Block out;
+  TestBlock out;
   ArithmeticDecoder decoder(data.data(), uint32_t(data.size()));
   DecodeSpeck1Block(decoder, levels, out.rows, scratch);
   return out;
@@ -44,20 +36,20 @@ Block Decode(const Bytes& data, int levels) {
 
 TEST(WaveletListCoder, HandWorkedBlocks) {
   // Every sample 0: 1023 as ten bits (FF, then 11), the end adds 0 and 1.
-  Block flat;
+  TestBlock flat;
   EXPECT_EQ(Encode(flat, 3), (Bytes{0xFF, 0xD0}));
   // The single sample 5 at (0, 0), levels 3: top 2 (0000001000); at length
   // 3 the low band (1), its top-left quarter (1), the sample (1, sign 0, low
   // bits 01), the other three samples (000), quarters (000), the remainder
   // (0); at lengths 2 and 1 the low band and the remainder, 0 each; the end.
-  Block one;
+  TestBlock one;
   one.samples[0] = 5;
   EXPECT_EQ(Encode(one, 3), (Bytes{0x02, 0x39, 0x00, 0x08}));
   // -6 alone in the diagonal band of the finest level (16, 16) at levels 1:
   // the low band (0), the remainder (1), then bands 3, 2, 1 of level 1.
-  Block negative;
+  TestBlock negative;
   negative.samples[16 * 32 + 16] = -6;
-  const Block back = Decode(Encode(negative, 1), 1);
+  const TestBlock back = Decode(Encode(negative, 1), 1);
   EXPECT_EQ(back.samples[16 * 32 + 16], -6);
 }
 
@@ -66,7 +58,7 @@ TEST(WaveletListCoder, RandomBlocksComeBackExactly) {
   for (int levels = 1; levels <= 5; ++levels)
     for (int round = 0; round < 8; ++round) {
       SCOPED_TRACE(testing::Message() << "levels " << levels << " round " << round);
-      Block in;
+      TestBlock in;
       const int32_t spread = round < 4 ? 60 : (1 << 20);
       for (int32_t& s : in.samples) {
         const uint32_t r = rng() % 10;
@@ -75,7 +67,7 @@ TEST(WaveletListCoder, RandomBlocksComeBackExactly) {
       if (round == 7) in.samples[1023] = -(1 << 30);  // the longest magnitude the top field carries
       const Bytes data = Encode(in, levels);
       ASSERT_LE(data.size(), Speck1BlockBound());
-      const Block out = Decode(data, levels);
+      const TestBlock out = Decode(data, levels);
       for (int i = 0; i < 1024; ++i) ASSERT_EQ(out.samples[i], in.samples[i]) << "at " << i;
     }
 }

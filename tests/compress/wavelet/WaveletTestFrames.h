@@ -11,6 +11,15 @@ namespace kestrelink::wavelet::testframes {
 
 using Bytes = std::vector<uint8_t>;
 
+// One 32 x 32 block of coefficients with its row pointers.
+struct TestBlock {
+  TestBlock() {
+    for (int y = 0; y < 32; ++y) rows[y] = samples + 32 * y;
+  }
+  int32_t samples[1024] = {};
+  int32_t* rows[32];
+};
+
 // A camera-like frame: gradients, a disc, and some noise; samples below 2^bits.
 inline Bytes SceneFrame(int w, int h, int bits, uint32_t seed) {
   std::mt19937 rng(seed);

@@ -73,10 +73,7 @@ TEST(WaveletListCoder, RandomBlocksComeBackExactly) {
 }
 
 TEST(WaveletListCoder, FramesDecodeAsTheFactoryCoderDoes) {
-  struct Case {
-    int w, h, bits;
-  } cases[] = {{64, 64, 8}, {70, 45, 8}, {64, 64, 12}, {70, 45, 12}};
-  for (const Case& c : cases)
+  for (const FrameCase& c : kFrameCases)
     for (int levels = 1; levels <= 4; ++levels) {
       SCOPED_TRACE(testing::Message() << c.w << "x" << c.h << " bits " << c.bits << " levels " << levels);
       CMonoWaveletCpmpression list, quad;

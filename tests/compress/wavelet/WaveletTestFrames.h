@@ -11,6 +11,12 @@ namespace kestrelink::wavelet::testframes {
 
 using Bytes = std::vector<uint8_t>;
 
+// Frame sizes that are and are not whole blocks, at both depths.
+struct FrameCase {
+  int w, h, bits;
+};
+inline constexpr FrameCase kFrameCases[] = {{64, 64, 8}, {70, 45, 8}, {64, 64, 12}, {70, 45, 12}};
+
 // One 32 x 32 block of coefficients with its row pointers.
 struct TestBlock {
   TestBlock() {

@@ -55,6 +55,22 @@ inline int LowestBit(const Speck2Params& params, int& counter) {
   return s;
 }
 
+// A sample's p lower bits (p <= 24) in the order EncodeBits writes them, as
+// one field: the lowest byte first, then the next, then the rest, each most
+// significant bit first. Lets the direct writer and reader move the bits of
+// a sample in one step.
+inline constexpr int kFieldPlanes = 24;
+inline uint32_t GroupedBits(uint32_t low, int p) {
+  if (p <= 8) return low;
+  if (p <= 16) return ((low & 0xFF) << (p - 8)) | (low >> 8);
+  return ((low & 0xFF) << (p - 8)) | (((low >> 8) & 0xFF) << (p - 16)) | (low >> 16);
+}
+inline uint32_t UngroupedBits(uint32_t field, int p) {
+  if (p <= 8) return field;
+  if (p <= 16) return (field >> (p - 8)) | ((field & ((1u << (p - 8)) - 1)) << 8);
+  return (field >> (p - 8)) | (((field >> (p - 16)) & 0xFF) << 8) | ((field & ((1u << (p - 16)) - 1)) << 16);
+}
+
 // The highest plane a block may code; the most bytes a block's data can take.
 inline constexpr int kSpeck2TopLimit = 30;
 inline constexpr uint32_t kSpeck2EmptyTop = 1023;

@@ -36,23 +36,26 @@ class BlockDecoder : public Speck2Walk<BlockDecoder<Reader>, DecodeNode> {
   void Sample(uint32_t n) {
     DecodeNode& node = this->m_nodes[n];
     if (node.flags & kCoded) return;
-    if (!m_in.DecodeBit()) return;
     const int p = this->m_p;
     if constexpr (std::is_same_v<Reader, StreamBitReader>) {
-      // All planes: the sign and the lower bits as one field; past 8 bits
-      // the lowest byte came first.
-      if (p <= 16 && m_params.lowestPlane == 0 && m_params.extraBits == 0) {
-        const uint32_t field = m_in.Take(uint32_t(p) + 1);
-        const uint32_t low = field & ((1u << p) - 1);
-        const uint32_t lower = p <= 8 ? low : (low >> (p - 8)) | ((low & ((1u << (p - 8)) - 1)) << 8);
+      // All planes: the flag, the sign and the lower bits as one field, read
+      // without a branch on the flag. A sample not yet coded holds 0, so it
+      // is written either way.
+      if (p <= kFieldPlanes && m_params.lowestPlane == 0 && m_params.extraBits == 0) {
+        const uint32_t field = m_in.Peek(uint32_t(p) + 2);
+        const uint32_t significant = field >> (p + 1);
+        m_in.Skip(1 + significant * (uint32_t(p) + 1));
+        const uint32_t lower = UngroupedBits(field & ((1u << p) - 1), p);
         const int32_t value = int32_t(lower | (1u << p));
+        const int32_t signedValue = ((field >> p) & 1) ? -value : value;
         const MortonPosition at = m_positions[n];
-        m_rows[at.y][at.x] = (field >> p) ? -value : value;
-        node.flags |= kCoded;
-        this->Close(n);
+        m_rows[at.y][at.x] = signedValue & -int32_t(significant);
+        node.flags |= uint8_t(significant << 6);
+        this->Close(n, significant);
         return;
       }
     }
+    if (!m_in.DecodeBit()) return;
     const uint32_t sign = m_in.DecodeBit();
     const int s = LowestBit(m_params, m_counter);
     const int32_t value = int32_t((m_in.DecodeBits(p - s) << s) | (1u << p));

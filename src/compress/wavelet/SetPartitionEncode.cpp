@@ -73,13 +73,13 @@ class BlockEncoder : public Speck2Walk<BlockEncoder<Writer>, EncodeNode> {
     if constexpr (std::is_same_v<Writer, StreamBitWriter>) {
       // All planes, and the magnitude's lower bits in one group: the
       // sample's bits as one field, without a branch on its significance.
-      if (p <= 16 && m_params.lowestPlane == 0 && m_params.extraBits == 0 && (node.flags & kMsb) <= p) {
+      if (p <= kFieldPlanes && m_params.lowestPlane == 0 && m_params.extraBits == 0 && (node.flags & kMsb) <= p) {
         const uint32_t significant = uint32_t((node.flags & kMsb) == p) & uint32_t((p | node.magnitude) != 0);
-        // Past 8 bits the lower bits go out lowest byte first, then the rest.
-        const uint32_t low = node.magnitude & ((1u << p) - 1);
-        const uint32_t lower = p <= 8 ? low : ((low & 0xFF) << (p - 8)) | (low >> 8);
+        const uint32_t lower = GroupedBits(node.magnitude & ((1u << p) - 1), p);
         const uint32_t field = ((2u | uint32_t(node.flags >> 7)) << p) | lower;
-        m_out.Put(significant ? field : 0, significant ? uint32_t(p) + 2 : 1);
+        // Branch-free: whether a sample turns significant is the least
+        // predictable thing in the walk.
+        m_out.Put(field & (0u - significant), 1 + significant * (uint32_t(p) + 1));
         node.flags |= uint8_t(significant << 6);
         this->Close(n, significant);
         return;

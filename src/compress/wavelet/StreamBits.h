@@ -31,6 +31,16 @@ class StreamBitReader {
     if (n >= 1) value |= Take(uint32_t(n)) << shift;
     return value;
   }
+  // The next n bits (1 <= n <= 32) as one value, first bit on top, left
+  // unread; Skip then passes over some of them.
+  uint32_t Peek(uint32_t n) {
+    if (m_count < int(n)) Refill();
+    return uint32_t(m_window >> (64 - n));
+  }
+  void Skip(uint32_t n) {
+    m_window <<= n;
+    m_count -= int(n);
+  }
   // The next n bits (1 <= n <= 32) as one value, first bit on top.
   uint32_t Take(uint32_t n) {
     if (m_count < int(n)) Refill();

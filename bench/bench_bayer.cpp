@@ -26,10 +26,7 @@ namespace {
 
 constexpr uint32_t kDepth = 12;
 
-struct BayerFrames {
-  uint32_t w = BenchSettings().width;
-  uint32_t h = BenchSettings().height;
-  size_t pixels = size_t(w) * h;
+struct BayerFrames : FrameSize {
   FrameBuffer raw8{pixels};
   FrameBuffer raw16{2 * pixels};
   FrameBuffer dst{8 * pixels};  // room for OpenCV's 16-bit BGRA
@@ -53,16 +50,11 @@ struct BayerFrames {
   }
 };
 
-BayerFrames& Frames() {
-  static BayerFrames frames;
-  return frames;
-}
+BayerFrames& Frames() { return Shared<BayerFrames>(); }
 
 template <class Call>
 void Ours(const char* operation, size_t readPerPixel, size_t writtenPerPixel, Call call) {
-  const size_t pixels = Frames().pixels;
-  Register(Case{operation, kOurs, readPerPixel * pixels, writtenPerPixel * pixels, LibraryTeam(),
-                [call](int) { return call(Frames()); }});
+  RegisterOurs<BayerFrames>(operation, readPerPixel, writtenPerPixel, call);
 }
 
 #ifdef KESTRELINK_HAVE_OPENCV

@@ -34,10 +34,7 @@ namespace {
 
 constexpr uint32_t kDepth = 12;
 
-struct ColourFrames {
-  uint32_t w = BenchSettings().width;
-  uint32_t h = BenchSettings().height;
-  size_t pixels = size_t(w) * h;
+struct ColourFrames : FrameSize {
   FrameBuffer src{8 * pixels};  // room for the widest source, BGR64
   FrameBuffer dst{6 * pixels};
   uint8_t* plane(int i) { return src.data() + size_t(i) * 2 * pixels; }  // three planes of up to 16 bits
@@ -51,16 +48,11 @@ struct ColourFrames {
   }
 };
 
-ColourFrames& Frames() {
-  static ColourFrames frames;
-  return frames;
-}
+ColourFrames& Frames() { return Shared<ColourFrames>(); }
 
 template <class Call>
 void Ours(const char* operation, size_t readPerPixel, size_t writtenPerPixel, Call call) {
-  const size_t pixels = Frames().pixels;
-  Register(Case{operation, kOurs, readPerPixel * pixels, writtenPerPixel * pixels, LibraryTeam(),
-                [call](int) { return call(Frames()); }});
+  RegisterOurs<ColourFrames>(operation, readPerPixel, writtenPerPixel, call);
 }
 
 #ifdef KESTRELINK_HAVE_LIBYUV

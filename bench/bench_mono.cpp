@@ -26,10 +26,7 @@ namespace {
 
 constexpr uint32_t kDepth = 12;
 
-struct MonoFrames {
-  uint32_t w = BenchSettings().width;
-  uint32_t h = BenchSettings().height;
-  size_t pixels = size_t(w) * h;
+struct MonoFrames : FrameSize {
   FrameBuffer src8{pixels};
   FrameBuffer src16{2 * pixels};
   FrameBuffer dst{4 * pixels};
@@ -44,17 +41,12 @@ struct MonoFrames {
   }
 };
 
-MonoFrames& Frames() {
-  static MonoFrames frames;
-  return frames;
-}
+MonoFrames& Frames() { return Shared<MonoFrames>(); }
 
 // One of our conversions, read and written sizes in bytes per pixel.
 template <class Call>
 void Ours(const char* operation, size_t readPerPixel, size_t writtenPerPixel, Call call) {
-  const size_t pixels = Frames().pixels;
-  Register(Case{operation, kOurs, readPerPixel * pixels, writtenPerPixel * pixels, LibraryTeam(),
-                [call](int) { return call(Frames()); }});
+  RegisterOurs<MonoFrames>(operation, readPerPixel, writtenPerPixel, call);
 }
 
 #ifdef KESTRELINK_HAVE_LIBYUV

@@ -31,10 +31,7 @@
 namespace kestrelink::bench {
 namespace {
 
-struct YuvFrames {
-  uint32_t w = BenchSettings().width;
-  uint32_t h = BenchSettings().height;
-  size_t pixels = size_t(w) * h;
+struct YuvFrames : FrameSize {
   FrameBuffer src{4 * pixels};  // room for the widest source, BGRx
   FrameBuffer dst{4 * pixels};
   // Planar targets: Y, then U and V with room for 4:2:2.
@@ -49,17 +46,12 @@ struct YuvFrames {
   }
 };
 
-YuvFrames& Frames() {
-  static YuvFrames frames;
-  return frames;
-}
+YuvFrames& Frames() { return Shared<YuvFrames>(); }
 
 // Bytes per pixel in tenths, so that 4:2:0 (1.5) and 10-bit packed (2.67) fit.
 template <class Call>
 void Ours(const char* operation, size_t readTenths, size_t writtenTenths, Call call) {
-  const size_t pixels = Frames().pixels;
-  Register(Case{operation, kOurs, readTenths * pixels / 10, writtenTenths * pixels / 10, LibraryTeam(),
-                [call](int) { return call(Frames()); }});
+  RegisterOurs<YuvFrames>(operation, readTenths, writtenTenths, call, 10);
 }
 
 #ifdef KESTRELINK_HAVE_LIBYUV

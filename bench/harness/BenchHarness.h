@@ -75,6 +75,24 @@ struct RunKey {
 bool FindRun(const std::string& benchmarkName, RunKey& key);
 const std::vector<Case>& RegisteredCases();
 
+// A program's set of frames and converters, made on first use (after the
+// settings are read) and shared by all its cases.
+template <class FrameSet>
+FrameSet& Shared() {
+  static FrameSet frames;
+  return frames;
+}
+
+// Registers one of our calls on a program's frame set (which has `pixels`):
+// call(frames) converts one frame. Sizes are bytes per pixel over `per`
+// (10 for tenths of a byte).
+template <class FrameSet, class Call>
+void RegisterOurs(const char* operation, size_t readPerPixel, size_t writtenPerPixel, Call call, size_t per = 1) {
+  const size_t pixels = Shared<FrameSet>().pixels;
+  Register(Case{operation, kOurs, readPerPixel * pixels / per, writtenPerPixel * pixels / per, LibraryTeam(),
+                [call](int) { return call(Shared<FrameSet>()); }});
+}
+
 // Calls body(firstRow, rowCount) for `threads` contiguous bands that cover
 // rows 0 .. rows-1, one per OpenMP thread; in the calling thread for one.
 template <class Body>

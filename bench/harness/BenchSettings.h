@@ -23,6 +23,13 @@ struct Settings {
 
 const Settings& BenchSettings();
 
+// The run's frame size, for a program's frame set to build on.
+struct FrameSize {
+  uint32_t w = BenchSettings().width;
+  uint32_t h = BenchSettings().height;
+  size_t pixels = size_t(w) * h;
+};
+
 // Forces the kernel variant named by KESTRELINK_BENCH_VARIANT, if any.
 // Returns false when the name is not a variant.
 bool ApplyVariantSetting();

@@ -162,10 +162,7 @@ void PeerBeside(Frame& f, const Peer& peer, const char* method, bool record) {
                 [peer, packed, back, size, n](int) { return peer.decode(packed->data(), size, back->data(), n) == n; }});
 }
 
-std::vector<std::unique_ptr<Frame>>& Frames() {
-  static std::vector<std::unique_ptr<Frame>> frames;
-  return frames;
-}
+std::vector<std::unique_ptr<Frame>>& Frames() { return Shared<std::vector<std::unique_ptr<Frame>>>(); }
 
 }  // namespace
 

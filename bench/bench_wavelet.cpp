@@ -168,10 +168,7 @@ void CharLS(Frame& f, int levels) {
 }
 #endif
 
-std::vector<std::unique_ptr<Frame>>& Frames() {
-  static std::vector<std::unique_ptr<Frame>> frames;
-  return frames;
-}
+std::vector<std::unique_ptr<Frame>>& Frames() { return Shared<std::vector<std::unique_ptr<Frame>>>(); }
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/PlaneBlocks.h"
 #include "compress/wavelet/EzwCoder.h"
 #include "compress/wavelet/WaveletFrame.h"
 
@@ -26,6 +27,6 @@ class CEZWCompressor : public CCompressor, public CWaveletDebug {
 
   std::unique_ptr<CIntegerEZWCoder> m_integerCoder;
   std::unique_ptr<CFloatEZWCoder> m_floatCoder;
-  std::vector<std::vector<uint8_t>> m_blockData;
+  kestrelink::wavelet::BlockStore m_blockData;
   std::vector<kestrelink::wavelet::BlockSpan> m_spans;
 };

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/PlaneBlocks.h"
 #include "compress/wavelet/WaveletDebug.h"
 #include "compress/wavelet/WaveletFrame.h"
 
@@ -17,6 +18,6 @@ class CSpeckCompressor : public CCompressor, public CWaveletDebug {
   ~CSpeckCompressor() override = default;
 
  private:
-  std::vector<std::vector<uint8_t>> m_blockData;
+  kestrelink::wavelet::BlockStore m_blockData;
   std::vector<kestrelink::wavelet::BlockSpan> m_spans;
 };

@@ -4,6 +4,8 @@
 // and back, each block decoded in parallel from its span of the frame. A
 // coder brings a factory of per-thread state, so scratch is made once a
 // thread, not once a block.
+#include <omp.h>
+
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -14,28 +16,49 @@
 
 namespace kestrelink::wavelet {
 
+// The arithmetic encoder's writer reports every byte it stores at or past
+// the nominal buffer size; the fast writers report afterwards through this.
+void ReportOverCapacity(uint32_t produced, uint32_t nominal);
+
+// The most bytes a frame can take when a block's data take at most `room`.
+uint32_t MaxBlockFrameBytes(int planeCount, WaveletPlane** planes, uint32_t room);
+
+// "*********Encode length is %d**************" to the debug output.
+void ReportEncodeLength(uint32_t total);
+
+// Each block's coded bytes between the parallel coding and the frame, and
+// one coding buffer a thread; all kept from frame to frame, so coding a
+// frame allocates nothing once the first has been coded.
+struct BlockStore {
+  std::vector<std::vector<uint8_t>> blocks;
+  std::vector<std::vector<uint8_t>> threadBuffers;
+};
+
 // makeCoder() gives a callable uint32_t(WaveletBlock&, uint8_t* buffer) that
 // codes one block into a buffer of `room` bytes and answers the length.
 template <class MakeCoder>
-void CodePlaneBlocks(WaveletPlane& plane, uint32_t room, std::vector<std::vector<uint8_t>>& store,
-                     MakeCoder makeCoder) {
+void CodePlaneBlocks(WaveletPlane& plane, uint32_t room, BlockStore& store, MakeCoder makeCoder) {
   const int64_t count = plane.blockCount;
-  store.resize(size_t(count));
-#pragma omp parallel num_threads(platform::TeamSize())
+  const int team = platform::TeamSize();
+  store.blocks.resize(size_t(count));
+  store.threadBuffers.resize(size_t(team));
+  for (std::vector<uint8_t>& buffer : store.threadBuffers)
+    if (buffer.size() < room) buffer.resize(room);
+#pragma omp parallel num_threads(team)
   {
-    std::vector<uint8_t> scratch(room);
+    uint8_t* scratch = store.threadBuffers[size_t(omp_get_thread_num())].data();
     auto code = makeCoder();
 #pragma omp for schedule(static)
     for (int64_t b = 0; b < count; ++b) {
-      const uint32_t length = code(*plane.blocks[size_t(b)], scratch.data());
-      store[size_t(b)].assign(scratch.data(), scratch.data() + (length < room ? length : room));
+      const uint32_t length = code(*plane.blocks[size_t(b)], scratch);
+      store.blocks[size_t(b)].assign(scratch, scratch + (length < room ? length : room));
     }
   }
 }
 
 // Appends the blocks' data at `total`, each behind its 16-bit length.
-inline void LayOutBlocks(uint8_t* frame, uint32_t& total, const std::vector<std::vector<uint8_t>>& store) {
-  for (const std::vector<uint8_t>& data : store) PutBlock(frame, total, data.data(), uint16_t(data.size()));
+inline void LayOutBlocks(uint8_t* frame, uint32_t& total, const BlockStore& store) {
+  for (const std::vector<uint8_t>& data : store.blocks) PutBlock(frame, total, data.data(), uint16_t(data.size()));
 }
 
 // makeDecoder() gives a callable void(WaveletBlock&, const BlockSpan&) that
@@ -65,8 +88,17 @@ bool DecodePlaneBlocks(const uint8_t* frame, uint32_t bound, uint32_t& offset, W
 // A whole frame: each plane's blocks coded by makeCoder(plane)'s coders
 // (see CodePlaneBlocks) and laid out behind the frame's total.
 template <class MakeCoder>
-void EncodeBlockFrame(int planeCount, WaveletPlane** planes, void* dst, uint32_t room,
-                      std::vector<std::vector<uint8_t>>& store, MakeCoder makeCoder);
+void EncodeBlockFrame(int planeCount, WaveletPlane** planes, void* dst, uint32_t room, BlockStore& store,
+                      MakeCoder makeCoder) {
+  auto* out = static_cast<uint8_t*>(dst);
+  uint32_t total = kFrameHeaderBytes;
+  for (int p = 0; p < planeCount && p < 3; ++p) {
+    CodePlaneBlocks(*planes[p], room, store, [&] { return makeCoder(p); });
+    LayOutBlocks(out, total, store);
+  }
+  ReportEncodeLength(total);
+  WriteFrameTotal(out, total);
+}
 
 // A whole frame of at most srcBytes bytes back into the planes' blocks
 // through makeDecoder(plane)'s decoders (see DecodePlaneBlocks). False when
@@ -81,29 +113,6 @@ bool DecodeBlockFrame(const void* src, uint32_t srcBytes, int planeCount, Wavele
   for (int p = 0; p < planeCount && p < 3; ++p)
     if (!DecodePlaneBlocks(frame, bound, offset, *planes[p], spans, [&] { return makeDecoder(p); })) return false;
   return true;
-}
-
-// The arithmetic encoder's writer reports every byte it stores at or past
-// the nominal buffer size; the fast writers report afterwards through this.
-void ReportOverCapacity(uint32_t produced, uint32_t nominal);
-
-// The most bytes a frame can take when a block's data take at most `room`.
-uint32_t MaxBlockFrameBytes(int planeCount, WaveletPlane** planes, uint32_t room);
-
-// "*********Encode length is %d**************" to the debug output.
-void ReportEncodeLength(uint32_t total);
-
-template <class MakeCoder>
-void EncodeBlockFrame(int planeCount, WaveletPlane** planes, void* dst, uint32_t room,
-                      std::vector<std::vector<uint8_t>>& store, MakeCoder makeCoder) {
-  auto* out = static_cast<uint8_t*>(dst);
-  uint32_t total = kFrameHeaderBytes;
-  for (int p = 0; p < planeCount && p < 3; ++p) {
-    CodePlaneBlocks(*planes[p], room, store, [&] { return makeCoder(p); });
-    LayOutBlocks(out, total, store);
-  }
-  ReportEncodeLength(total);
-  WriteFrameTotal(out, total);
 }
 
 }  // namespace kestrelink::wavelet

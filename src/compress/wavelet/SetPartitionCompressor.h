@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "compress/wavelet/Compressor.h"
+#include "compress/wavelet/PlaneBlocks.h"
 #include "compress/wavelet/MortonTables.h"
 #include "compress/wavelet/WaveletFrame.h"
 #include "compress/wavelet/SetPartitionCoder.h"
@@ -24,6 +25,6 @@ class CSpeck2Compressor : public CCompressor {
   std::unique_ptr<uint32_t[]> m_mortonTables[3];
   std::unique_ptr<kestrelink::wavelet::MortonPosition[]> m_positionTables[3];
   // Each block's coded bytes between the parallel coding and the frame.
-  std::vector<std::vector<uint8_t>> m_blockData;
+  kestrelink::wavelet::BlockStore m_blockData;
   std::vector<kestrelink::wavelet::BlockSpan> m_spans;
 };

@@ -162,7 +162,6 @@ uint32_t Speck1BlockBound() {
 void EncodeSpeck1Block(ArithmeticEncoder& encoder, int levels, int32_t** rows, Speck1Scratch& s) {
   Speck1Params params;
   params.levels = ClampLevels(levels);
-  params.rows = rows;
   uint32_t largest = 0;
   for (int y = 0; y < kSide; ++y)
     for (int x = 0; x < kSide; ++x) {

@@ -26,12 +26,11 @@ struct Speck1Set {
   bool significant;
 };
 
+// What the encoder's tests need beyond the samples: the levels and, per
+// band, the largest bit length still to code.
 struct Speck1Params {
   int levels = 1;
-  int width = 32, height = 32;
-  int lowestBits = 0;
-  int32_t** rows = nullptr;
-  uint8_t bandMax[16] = {};  // per band, the largest bit length still to code
+  uint8_t bandMax[16] = {};
 };
 
 // One thread's work space, reused from block to block.

@@ -19,6 +19,12 @@ int CIPPH264Conversion::DecodeImageFromRTSP(int inputSize, void* input, void* im
   if (!m_decoder || !m_bitstream || !m_outputFrame || !m_postProcessing) return -1;
   const size_t size = input && inputSize > 0 ? size_t(inputSize) : 0;
   const auto taken = [&] { return int(size - m_bitstream->GetDataSize()); };
+  // Fewer than 4 bytes hold no start code and unit header, and the decoder
+  // would drop them; they may be the front of the next unit: left for the caller.
+  if (size < 4) {
+    consumed = 0;
+    return 0;
+  }
   m_bitstream->Reset();
   m_bitstream->SetBufferPointer(static_cast<uint8_t*>(input), size);
   m_bitstream->SetDataSize(size);
@@ -34,13 +40,15 @@ int CIPPH264Conversion::DecodeImageFromRTSP(int inputSize, void* input, void* im
     }
     m_rtspDecoderReady = m_lastStatus == UMC::UMC_OK;
     consumed = taken();
-    if (size_t(consumed) == size) return 0;  // headers alone
+    if (m_bitstream->GetDataSize() < 4) return 0;  // headers alone, or too little behind them
   }
   if (!m_rtspDecoderReady) return -1;
 
   m_outputFrame->SetBufferPointer(static_cast<uint8_t*>(image), imageSize > 0 ? size_t(imageSize) : 0);
+  // No flush after UMC_ERR_NOT_ENOUGH_DATA: a picture is all of its slices,
+  // and what the splitter has gathered is finished only when the next access
+  // unit begins. Pictures the decoder already holds were offered by GetFrame.
   m_lastStatus = m_decoder->GetFrame(m_bitstream.get(), m_outputFrame.get());
-  if (m_lastStatus == UMC::UMC_ERR_NOT_ENOUGH_DATA) m_lastStatus = m_decoder->GetFrame(nullptr, m_outputFrame.get());
   consumed = taken();
   return m_lastStatus == UMC::UMC_OK ? 1 : 0;
 }

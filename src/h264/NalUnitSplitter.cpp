@@ -35,6 +35,7 @@ void DropGarbage(MediaData& in) {
 void NalUnitSplitter::Reset() {
   m_unit.clear();
   m_unitHasSlice = false;
+  m_openUnit = false;
   m_haveSps = false;
   m_sps = H264SpsInfo();
 }
@@ -56,32 +57,54 @@ NalUnitSplitter::Found NalUnitSplitter::FindNal(const MediaData& in, bool takeTr
   return Found::Unit;
 }
 
-void NalUnitSplitter::Append(const uint8_t* data, const Nal& nal) {
-  const uint8_t type = NalTypeOf(data[nal.payload]);
-  if (type == NAL_SPS) {
-    H264SpsInfo sps;
-    if (ParseSps(data + nal.payload, nal.end - nal.payload, sps)) {
-      m_sps = sps;
-      m_haveSps = true;
-    }
+void NalUnitSplitter::ReadSps(const uint8_t* nal, size_t size) {
+  H264SpsInfo sps;
+  if (ParseSps(nal, size, sps)) {
+    m_sps = sps;
+    m_haveSps = true;
   }
+}
+
+void NalUnitSplitter::Append(const uint8_t* data, const Nal& nal, bool open) {
+  const uint8_t type = NalTypeOf(data[nal.payload]);
+  if (type == NAL_SPS) ReadSps(data + nal.payload, nal.end - nal.payload);
   if (m_unit.size() + (nal.end - nal.payload) + 4 > kMaxUnitBytes) {
     m_unit.clear();
     m_unitHasSlice = false;
   }
   m_unit.insert(m_unit.end(), kLongStartCode, kLongStartCode + 4);
+  m_openStart = m_unit.size();
+  m_openUnit = open;
   m_unit.insert(m_unit.end(), data + nal.payload, data + nal.end);
   if (IsSlice(type)) m_unitHasSlice = true;
+}
+
+void NalUnitSplitter::ContinueOpenUnit(MediaData& in) {
+  if (!m_openUnit || in.GetDataSize() == 0) return;
+  const uint8_t* data = in.GetDataPointer();
+  const size_t size = in.GetDataSize();
+  const size_t next = FindStartCode(data, size, 0);
+  // Zeros in front of a start code, or at the end where one may yet come, are not the unit's.
+  size_t end = next;
+  while (end > 0 && data[end - 1] == 0) --end;
+  if (end > 0 && m_unit.size() + end <= kMaxUnitBytes) {
+    m_unit.insert(m_unit.end(), data, data + end);
+    if (NalTypeOf(m_unit[m_openStart]) == NAL_SPS) ReadSps(&m_unit[m_openStart], m_unit.size() - m_openStart);
+  }
+  in.MoveDataPointer(int64_t(next < size ? next : end));
+  if (next < size) m_openUnit = false;  // the unit ends where the next begins
 }
 
 void NalUnitSplitter::TakeUnit(std::vector<uint8_t>& unit) {
   unit.swap(m_unit);
   m_unit.clear();
   m_unitHasSlice = false;
+  m_openUnit = false;
 }
 
 bool NalUnitSplitter::NextAccessUnit(MediaData& in, std::vector<uint8_t>& unit) {
   const bool whole = in.GetFlags() & MediaData::kWholeUnits;
+  ContinueOpenUnit(in);
   for (;;) {
     Nal nal{};
     const Found found = FindNal(in, false, nal);
@@ -104,6 +127,7 @@ bool NalUnitSplitter::NextAccessUnit(MediaData& in, std::vector<uint8_t>& unit) 
     }
     if (found == Found::NeedMore) return false;
     Append(data, nal);
+    m_openUnit = false;
     in.MoveDataPointer(int64_t(nal.next));
     if (nal.next == size && whole && m_unitHasSlice) {
       TakeUnit(unit);
@@ -113,6 +137,7 @@ bool NalUnitSplitter::NextAccessUnit(MediaData& in, std::vector<uint8_t>& unit) 
 }
 
 Status NalUnitSplitter::WalkHeaders(MediaData& in) {
+  ContinueOpenUnit(in);
   for (;;) {
     Nal nal{};
     const Found found = FindNal(in, true, nal);
@@ -126,16 +151,17 @@ Status NalUnitSplitter::WalkHeaders(MediaData& in) {
     nal.payload -= nal.start, nal.end -= nal.start, nal.next -= nal.start, nal.start = 0;
     const uint8_t type = NalTypeOf(data[nal.payload]);
     if (m_haveSps && IsSlice(type)) break;
+    const bool atEnd = nal.next == in.GetDataSize() && !(in.GetFlags() & MediaData::kWholeUnits);
     if (!m_haveSps) {
       H264SpsInfo sps;
       const bool readable = type == NAL_SPS && ParseSps(data + nal.payload, nal.end - nal.payload, sps);
-      const bool atEnd = nal.next == in.GetDataSize() && !(in.GetFlags() & MediaData::kWholeUnits);
       if (!readable && atEnd) break;  // perhaps the front of a parameter set: leave it to come again whole
-      if (readable) Append(data, nal);  // units before the first sequence parameter set are dropped
+      if (readable) Append(data, nal, atEnd);  // units before the first sequence parameter set are dropped
     } else {
-      Append(data, nal);
+      Append(data, nal, atEnd);
     }
-    in.MoveDataPointer(int64_t(nal.next));
+    // Zeros behind a unit that ends with the data may be the front of the next start code.
+    in.MoveDataPointer(int64_t(atEnd ? nal.end : nal.next));
   }
   return m_haveSps ? UMC_OK : UMC_ERR_NOT_ENOUGH_DATA;
 }

@@ -31,6 +31,11 @@ class NalUnitSplitter {
   // Hands over a gathered access unit that has a slice, for the end of a stream.
   bool Flush(std::vector<uint8_t>& unit);
 
+  // A parameter set the header walk took at the end of the data may have been
+  // cut there: bytes that follow without a start code of their own are the
+  // rest of it, and are taken into it. Nothing to do when none is open.
+  void ContinueOpenUnit(MediaData& in);
+
   bool HasSps() const { return m_haveSps; }
   const H264SpsInfo& Sps() const { return m_sps; }
 
@@ -43,11 +48,14 @@ class NalUnitSplitter {
   };
   enum class Found { Unit, NeedMore, None };
   Found FindNal(const MediaData& in, bool takeTrailingParameterSets, Nal& nal) const;
-  void Append(const uint8_t* data, const Nal& nal);
+  void Append(const uint8_t* data, const Nal& nal, bool open = false);
+  void ReadSps(const uint8_t* nal, size_t size);
   void TakeUnit(std::vector<uint8_t>& unit);
 
   std::vector<uint8_t> m_unit;
   bool m_unitHasSlice = false;
+  bool m_openUnit = false;  // the last unit in m_unit ended with the data and may go on
+  size_t m_openStart = 0;   // its header byte in m_unit
   H264SpsInfo m_sps;
   bool m_haveSps = false;
 };

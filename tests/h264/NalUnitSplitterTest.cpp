@@ -85,3 +85,31 @@ TEST(H264NalUnitSplitter, GarbageBeforeTheFirstStartCodeIsDroppedAndTheHeaderWal
 }
 
 }  // namespace
+
+// A header walk over a first piece that ends inside a parameter set, or inside
+// the start code behind it: the rest, joined with what follows, completes it.
+TEST(H264NalUnitSplitter, AParameterSetCutByThePieceEndIsCompletedByWhatFollows) {
+  const std::vector<uint8_t> stream = Stream({{4, &kSps}, {4, &kPps}, {3, &kIdr}, {4, &kP}});
+  const size_t spsEnd = 4 + kSps.size();
+  for (size_t cut = spsEnd; cut < stream.size() - kP.size(); ++cut) {
+    SCOPED_TRACE(testing::Message() << "first piece of " << cut << " bytes");
+    UMC::NalUnitSplitter splitter;
+    std::vector<uint8_t> pending(stream.begin(), stream.begin() + cut);
+    UMC::MediaData in;
+    in.SetBufferPointer(pending.data(), pending.size());
+    in.SetDataSize(pending.size());
+    ASSERT_EQ(splitter.WalkHeaders(in), UMC::UMC_OK);
+    pending.erase(pending.begin(), pending.begin() + (pending.size() - in.GetDataSize()));
+    pending.insert(pending.end(), stream.begin() + cut, stream.end());
+    in.SetBufferPointer(pending.data(), pending.size());
+    in.SetDataSize(pending.size());
+    std::vector<uint8_t> unit;
+    ASSERT_TRUE(splitter.NextAccessUnit(in, unit));
+    std::vector<uint8_t> expected = {0, 0, 0, 1};
+    for (const auto* part : {&kSps, &kPps, &kIdr}) {
+      expected.insert(expected.end(), part->begin(), part->end());
+      if (part != &kIdr) expected.insert(expected.end(), {0, 0, 0, 1});
+    }
+    EXPECT_EQ(unit, expected);
+  }
+}

@@ -18,9 +18,12 @@ bool MapYuvFrame(CColorMapEngine& engine, uint32_t w, uint32_t h, bool flip, con
   if (!engine.EnsureColorTables(8, 8, false) || !src || !dst) return false;
   const rows::ColourTables tables = kestrelink::colour::CurrentTables(engine);
   const auto* s = static_cast<const uint8_t*>(src);
+  const size_t frameBytes = (uint64_t(h) * w * num) >> 1;
   kestrelink::ForEachRow(h, flip, [&](uint32_t in, uint32_t out) {
-    const size_t begin = (uint64_t(in) * w * num) >> 1, end = (uint64_t(in + 1) * w * num) >> 1;
-    row(s + begin, end - begin, kestrelink::RowAt(dst, dstPixelBytes * size_t(w), out), w, tables);
+    // A row's partial last group reads on into the next row's first bytes, a
+    // settled behaviour of the format; only past the frame's end it reads 0.
+    const size_t begin = (uint64_t(in) * w * num) >> 1;
+    row(s + begin, frameBytes - begin, kestrelink::RowAt(dst, dstPixelBytes * size_t(w), out), w, tables);
   });
   return true;
 }

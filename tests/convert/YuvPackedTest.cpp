@@ -142,10 +142,14 @@ TEST(YuvPacked, ColourMapPathIsTheIntegerFormulaThroughTheTables) {
     testsupport::ScopedVariant sv(variant);
     for (const Case& c : kCases) {
       if (!c.colourMap) continue;
-      for (uint32_t w : {4u, 12u, 36u})
+      for (uint32_t w : {4u, 12u, 36u, 5u, 6u, 7u, 10u})  // the last four end rows inside a group
         for (bool flip : {false, true}) {
           const uint32_t h = 3;
-          const auto src = testsupport::RandomBytes(size_t(w) * h * 3, w * 3 + c.px);
+          // The frame alone, so that a read past its end shows; the reference
+          // reads a partial group on into the next row, and zeros past the end.
+          const auto src = testsupport::RandomBytes((size_t(w) * h * c.layout.num) >> 1, w * 3 + c.px);
+          std::vector<uint8_t> padded(src);
+          padded.resize(src.size() + 8, 0);
           std::vector<uint8_t> dst(size_t(w) * h * c.px, 0x77);
           CIppImageConverter conv;
           conv.SetImageColorMap(true);
@@ -153,7 +157,7 @@ TEST(YuvPacked, ColourMapPathIsTheIntegerFormulaThroughTheTables) {
           ASSERT_TRUE((conv.*c.call)(w, h, (void*)src.data(), dst.data(), flip)) << Describe(c, w, flip, 0, 0);
           for (uint32_t row = 0; row < h; ++row)
             for (uint32_t x = 0; x < w; ++x) {
-              const auto bgr = FormulaBgr(c.layout.sample(SourceRow(src, c.layout, w, row), x));
+              const auto bgr = FormulaBgr(c.layout.sample(SourceRow(padded, c.layout, w, row), x));
               const uint8_t* d = &dst[(size_t(flip ? h - 1 - row : row) * w + x) * c.px];
               for (int k = 0; k < 3; ++k) ASSERT_EQ(d[k], t[k][bgr[k]]) << Describe(c, w, flip, row, x) << " byte " << k;
               if (c.px == 4) {
@@ -179,20 +183,24 @@ TEST(YuvPacked, PathsDifferOnGreyEvenWithIdentityTables) {
   EXPECT_EQ(mapped[2], 100);
 }
 
-TEST(YuvPacked, ColourMapConvertsAWholeLastGroupInsideTheRow) {
-  // UVY411 at w 6: row 0 holds 9 bytes, the second group U Y0 Y1 of them; the
-  // missing V, Y2, Y3 count as 0 and only pixels 4 and 5 are written.
-  const uint8_t src[9] = {128, 10, 20, 128, 30, 40, 140, 50, 60};
-  uint8_t dst[6 * 3 + 3];
+TEST(YuvPacked, ColourMapLastGroupReadsTheNextRowAndZerosOnlyPastTheFrame) {
+  // UVY411 at w 6: rows of 9 bytes. Row 0's second group is U Y0 Y1 of row 0
+  // and V Y2 Y3 from row 1's first bytes; row 1's reads V past the frame as 0.
+  // Only pixels 4 and 5 of each row are written.
+  const uint8_t src[18] = {128, 10, 20, 128, 30, 40, 140, 50, 60, 170, 70, 80, 128, 90, 100, 110, 120, 130};
+  uint8_t dst[2 * 6 * 3 + 3];
   std::memset(dst, 0xAB, sizeof dst);
   CIppImageConverter conv;
   conv.SetImageColorMap(true);
-  ASSERT_TRUE(conv.UVY411ToBGR24(6, 1, (void*)src, dst, false));
-  const auto p4 = FormulaBgr({50, 140, 0}), p5 = FormulaBgr({60, 140, 0});
+  ASSERT_TRUE(conv.UVY411ToBGR24(6, 2, (void*)src, dst, false));
+  const std::array<int, 3> expected[4] = {FormulaBgr({50, 140, 170}), FormulaBgr({60, 140, 170}),
+                                          FormulaBgr({120, 110, 0}), FormulaBgr({130, 110, 0})};
   for (int k = 0; k < 3; ++k) {
-    EXPECT_EQ(dst[12 + k], p4[k]) << k;
-    EXPECT_EQ(dst[15 + k], p5[k]) << k;
-    EXPECT_EQ(dst[18 + k], 0xAB) << k;
+    EXPECT_EQ(dst[12 + k], expected[0][k]) << k;
+    EXPECT_EQ(dst[15 + k], expected[1][k]) << k;
+    EXPECT_EQ(dst[18 + 12 + k], expected[2][k]) << k;
+    EXPECT_EQ(dst[18 + 15 + k], expected[3][k]) << k;
+    EXPECT_EQ(dst[36 + k], 0xAB) << k;
   }
 }
 

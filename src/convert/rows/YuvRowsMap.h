@@ -2,9 +2,9 @@
 // Rows of the colour-map path for the 8-bit YUV layouts: each pixel through
 // the library's integer formula in its group's own layout, then B, G, R
 // through tables 0, 1, 2 (8-bit tables, an entry's low byte). `srcBytes` is
-// what the source row holds; a partial last group is converted with the
-// bytes past the row taken as 0, and only its pixels inside the row are
-// written. BGRx rows keep the fourth byte. Lookups don't pay as gathers, so
+// what may be read from the row's start on (the rest of the frame); a partial
+// last group is converted whole, reading the bytes that follow the row, those
+// past `srcBytes` taken as 0, and only its pixels inside the row are written. BGRx rows keep the fourth byte. Lookups don't pay as gathers, so
 // these rows have no vector variants.
 #include <cstddef>
 #include <cstdint>

@@ -145,12 +145,13 @@ void DecodePlanarRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uin
   for (uint32_t x = 0; x < w; ++x) store(x, YccToRgb(y[x], cb[x >> chromaShift], cr[x >> chromaShift]));
 }
 
-template <class Store>
+// `pairs` 4:2:2 groups whose bytes are laid out as Group says (YuyvGroup, UyvyGroup).
+template <class Group, class Store>
 void DecodePairsRow(const uint8_t* src, uint32_t pairs, const Store& store) {
   for (uint32_t i = 0; i < pairs; ++i) {
     const uint8_t* q = src + 4 * size_t(i);
-    store(2 * i, YccToRgb(q[0], q[1], q[3]));
-    store(2 * i + 1, YccToRgb(q[2], q[1], q[3]));
+    store(2 * i, YccToRgb(q[Group::kY0], q[Group::kCb], q[Group::kCr]));
+    store(2 * i + 1, YccToRgb(q[Group::kY1], q[Group::kCb], q[Group::kCr]));
   }
 }
 

@@ -16,6 +16,14 @@ inline constexpr int kYR = 1052, kYG = 2065, kYB = 401;
 inline constexpr int kCbR = -607, kCbG = -1192, kCbB = 1799;
 inline constexpr int kCrR = 1799, kCrG = -1506, kCrB = -293;
 
+// Byte positions in a 4:2:2 group: Y0 Cb Y1 Cr, and Cb Y0 Cr Y1.
+struct YuyvGroup {
+  static constexpr int kY0 = 0, kCb = 1, kY1 = 2, kCr = 3;
+};
+struct UyvyGroup {
+  static constexpr int kY0 = 1, kCb = 0, kY1 = 3, kCr = 2;
+};
+
 // Channel order of three-byte pixels.
 enum ChannelOrder : int { kOrderBGR = 0, kOrderRGB = 1 };
 
@@ -31,6 +39,9 @@ struct YccRowKernels {
   void (*pairs_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha);
   // `pairs` groups Y0 Cb Y1 Cr to three-byte pixels in `order`.
   void (*pairs_to_c3)(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order);
+  // The same two from groups Cb Y0 Cr Y1.
+  void (*uyvy_to_bgrx)(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha);
+  void (*uyvy_to_c3)(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order);
   // `w` three-byte pixels in `order` to Y of each pixel, Cb and Cr of each
   // whole pair.
   void (*c3_to_planar422)(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w,
@@ -59,6 +70,20 @@ inline const YccRowKernels& YccRows() {
 // Portable rows, also the tails of the vector variants.
 void PairsToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha);
 void PairsToC3Portable(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order);
+void UyvyToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha);
+void UyvyToC3Portable(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order);
+
+// The portable 4:2:2 decoders of a group layout: the tails of the vector rows.
+template <class Group>
+struct PortablePairRows {
+  static constexpr auto bgrx = &PairsToBgrxPortable;
+  static constexpr auto c3 = &PairsToC3Portable;
+};
+template <>
+struct PortablePairRows<UyvyGroup> {
+  static constexpr auto bgrx = &UyvyToBgrxPortable;
+  static constexpr auto c3 = &UyvyToC3Portable;
+};
 void C3ToPlanar422Portable(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w,
                            ChannelOrder order);
 void BgrxToPlanar422Portable(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w);

@@ -19,17 +19,24 @@ struct Channels {
   __m256i b, g, r;  // 32-bit, pixels 0-3 in the low half, 4-7 in the high
 };
 
+// Zero-extended bytes of four groups laid out as Group says: words (Y, c)
+// for each pixel, c the group's Cb or Cr byte; the low half serves pixels
+// 0-3, the high half 4-7.
+template <class Group>
+inline __m256i ToWords(int c) {
+  const char y0 = char(Group::kY0), y1 = char(Group::kY1), k = char(c);
+  return _mm256_setr_epi8(y0, Z, k, Z, y1, Z, k, Z, char(y0 + 4), Z, char(k + 4), Z, char(y1 + 4), Z, char(k + 4), Z,
+                          char(y0 + 8), Z, char(k + 8), Z, char(y1 + 8), Z, char(k + 8), Z, char(y0 + 12), Z,
+                          char(k + 12), Z, char(y1 + 12), Z, char(k + 12), Z);
+}
+
 // Eight pixels from four groups; the constant terms fold the offsets 16 and
 // 128 and the rounding into one addend per channel.
+template <class Group>
 inline Channels DecodeEight(const uint8_t* src) {
-  // Zero-extended bytes of the groups: words (Y, Cb) or (Y, Cr) for each
-  // pixel; the low half serves pixels 0-3, the high half 4-7.
-  const __m256i toYCb = _mm256_setr_epi8(0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z,  //
-                                         8, Z, 9, Z, 10, Z, 9, Z, 12, Z, 13, Z, 14, Z, 13, Z);
-  const __m256i toYCr = _mm256_setr_epi8(0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z,  //
-                                         8, Z, 11, Z, 10, Z, 11, Z, 12, Z, 15, Z, 14, Z, 15, Z);
   const __m256i s = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src)));
-  const __m256i ycb = _mm256_shuffle_epi8(s, toYCb), ycr = _mm256_shuffle_epi8(s, toYCr);
+  const __m256i ycb = _mm256_shuffle_epi8(s, ToWords<Group>(Group::kCb));
+  const __m256i ycr = _mm256_shuffle_epi8(s, ToWords<Group>(Group::kCr));
   const __m256i b = _mm256_add_epi32(_mm256_madd_epi16(ycb, Weights(kLuma, kCbToB)),
                                      _mm256_set1_epi32(-kLuma * 16 - kCbToB * 128 + 2048));
   const __m256i r = _mm256_add_epi32(_mm256_madd_epi16(ycr, Weights(kLuma, kCrToR)),
@@ -46,42 +53,44 @@ inline __m256i PackBytes(__m256i a, __m256i b, __m256i c, __m256i d) {
   return _mm256_packus_epi16(_mm256_packs_epi32(a, b), _mm256_packs_epi32(c, d));
 }
 
-void PairsToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+template <class Group>
+void DecodeToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
   const __m256i a = _mm256_set1_epi32(alpha);
   const __m256i interleave = _mm256_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15,  //
                                               0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
   uint32_t i = 0;
   for (; i + 4 <= pairs; i += 4) {
-    const Channels c = DecodeEight(src + 4 * size_t(i));
+    const Channels c = DecodeEight<Group>(src + 4 * size_t(i));
     const __m256i px = _mm256_shuffle_epi8(PackBytes(c.b, c.g, c.r, a), interleave);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + 8 * size_t(i)), px);
   }
-  PairsToBgrxPortable(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
+  PortablePairRows<Group>::bgrx(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
 }
 
-template <ChannelOrder order>
-void PairsToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
+template <class Group, ChannelOrder order>
+void DecodeToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
   const __m256i zero = _mm256_setzero_si256();
   const __m256i interleave = _mm256_setr_epi8(0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z,  //
                                               0, 4, 8, 1, 5, 9, 2, 6, 10, 3, 7, 11, Z, Z, Z, Z);
   const __m256i join = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
   uint32_t i = 0;
   for (; i + 4 <= pairs; i += 4) {
-    const Channels c = DecodeEight(src + 4 * size_t(i));
+    const Channels c = DecodeEight<Group>(src + 4 * size_t(i));
     const __m256i planes = order == kOrderBGR ? PackBytes(c.b, c.g, c.r, zero) : PackBytes(c.r, c.g, c.b, zero);
     const __m256i px = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(planes, interleave), join);
     uint8_t* out = dst + 6 * size_t(i);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(px));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(px, 1));
   }
-  PairsToC3Portable(src + 4 * size_t(i), dst + 6 * size_t(i), pairs - i, order);
+  PortablePairRows<Group>::c3(src + 4 * size_t(i), dst + 6 * size_t(i), pairs - i, order);
 }
 
-void PairsToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+template <class Group>
+void DecodeToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
   if (order == kOrderRGB)
-    PairsToC3Rows<kOrderRGB>(src, dst, pairs);
+    DecodeToC3Rows<Group, kOrderRGB>(src, dst, pairs);
   else
-    PairsToC3Rows<kOrderBGR>(src, dst, pairs);
+    DecodeToC3Rows<Group, kOrderBGR>(src, dst, pairs);
 }
 
 // ---- RGB to planar 4:2:2 and 4:2:0 ----
@@ -253,7 +262,8 @@ void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint
 }  // namespace
 
 const YccRowKernels kYccRowsAVX2 = {
-    PairsToBgrx, PairsToC3, C3ToPlanar422, BgrxToPlanar422, C3ToPlanar420, BgrxToPlanar420,
+    DecodeToBgrx<YuyvGroup>, DecodeToC3<YuyvGroup>, DecodeToBgrx<UyvyGroup>, DecodeToC3<UyvyGroup>,
+    C3ToPlanar422,           BgrxToPlanar422,       C3ToPlanar420,           BgrxToPlanar420,
 };
 
 }  // namespace kestrelink::ycc

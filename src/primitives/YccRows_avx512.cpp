@@ -17,14 +17,15 @@ inline __m512i Pattern(const int8_t (&bytes)[64]) { return _mm512_loadu_si512(by
 
 // ---- 4:2:2 pairs to RGB ----
 
-// Zero-extended words (Y, Cb) and (Y, Cr) of each pixel from the two groups
-// that a 128-bit lane holds (bytes 0-7 of the lane).
-alignas(64) constexpr int8_t kToYCb[64] = {
-    0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z, 0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z,
-    0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z, 0, Z, 1, Z, 2, Z, 1, Z, 4, Z, 5, Z, 6, Z, 5, Z};
-alignas(64) constexpr int8_t kToYCr[64] = {
-    0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z, 0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z,
-    0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z, 0, Z, 3, Z, 2, Z, 3, Z, 4, Z, 7, Z, 6, Z, 7, Z};
+// Zero-extended words (Y, c) of each pixel, c the group's Cb or Cr byte, from
+// the two groups that a 128-bit lane holds (bytes 0-7 of the lane), laid out
+// as Group says.
+template <class Group>
+inline __m512i ToWords(int c) {
+  const char y0 = char(Group::kY0), y1 = char(Group::kY1), k = char(c);
+  return _mm512_broadcast_i32x4(_mm_setr_epi8(y0, Z, k, Z, y1, Z, k, Z, char(y0 + 4), Z, char(k + 4), Z,
+                                              char(y1 + 4), Z, char(k + 4), Z));
+}
 // Per lane: bytes B0-3 G0-3 R0-3 A0-3 to four pixels, or to twelve bytes.
 alignas(64) constexpr int8_t kToBgrx[64] = {
     0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15,
@@ -38,10 +39,12 @@ struct Channels {
 };
 
 // Sixteen pixels from eight groups; each lane gets its two groups twice.
+template <class Group>
 inline Channels DecodeSixteen(const uint8_t* src) {
   const __m256i raw = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src));
   const __m512i s = _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 0, 1, 1, 2, 2, 3, 3), _mm512_castsi256_si512(raw));
-  const __m512i ycb = _mm512_shuffle_epi8(s, Pattern(kToYCb)), ycr = _mm512_shuffle_epi8(s, Pattern(kToYCr));
+  const __m512i ycb = _mm512_shuffle_epi8(s, ToWords<Group>(Group::kCb));
+  const __m512i ycr = _mm512_shuffle_epi8(s, ToWords<Group>(Group::kCr));
   const __m512i b = _mm512_add_epi32(_mm512_madd_epi16(ycb, Weights(kLuma, kCbToB)),
                                      _mm512_set1_epi32(-kLuma * 16 - kCbToB * 128 + 2048));
   const __m512i r = _mm512_add_epi32(_mm512_madd_epi16(ycr, Weights(kLuma, kCrToR)),
@@ -57,37 +60,39 @@ inline __m512i PackBytes(__m512i a, __m512i b, __m512i c, __m512i d) {
   return _mm512_packus_epi16(_mm512_packs_epi32(a, b), _mm512_packs_epi32(c, d));
 }
 
-void PairsToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+template <class Group>
+void DecodeToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
   const __m512i a = _mm512_set1_epi32(alpha);
   uint32_t i = 0;
   for (; i + 8 <= pairs; i += 8) {
-    const Channels c = DecodeSixteen(src + 4 * size_t(i));
+    const Channels c = DecodeSixteen<Group>(src + 4 * size_t(i));
     _mm512_storeu_si512(dst + 8 * size_t(i), _mm512_shuffle_epi8(PackBytes(c.b, c.g, c.r, a), Pattern(kToBgrx)));
   }
-  PairsToBgrxPortable(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
+  PortablePairRows<Group>::bgrx(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
 }
 
-template <ChannelOrder order>
-void PairsToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
+template <class Group, ChannelOrder order>
+void DecodeToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
   const __m512i zero = _mm512_setzero_si512();
   const __m512i join = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
   uint32_t i = 0;
   for (; i + 8 <= pairs; i += 8) {
-    const Channels c = DecodeSixteen(src + 4 * size_t(i));
+    const Channels c = DecodeSixteen<Group>(src + 4 * size_t(i));
     const __m512i planes = order == kOrderBGR ? PackBytes(c.b, c.g, c.r, zero) : PackBytes(c.r, c.g, c.b, zero);
     const __m512i px = _mm512_permutexvar_epi32(join, _mm512_shuffle_epi8(planes, Pattern(kToC3)));
     uint8_t* out = dst + 6 * size_t(i);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm512_castsi512_si256(px));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 32), _mm512_extracti32x4_epi32(px, 2));
   }
-  PairsToC3Portable(src + 4 * size_t(i), dst + 6 * size_t(i), pairs - i, order);
+  PortablePairRows<Group>::c3(src + 4 * size_t(i), dst + 6 * size_t(i), pairs - i, order);
 }
 
-void PairsToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+template <class Group>
+void DecodeToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
   if (order == kOrderRGB)
-    PairsToC3Rows<kOrderRGB>(src, dst, pairs);
+    DecodeToC3Rows<Group, kOrderRGB>(src, dst, pairs);
   else
-    PairsToC3Rows<kOrderBGR>(src, dst, pairs);
+    DecodeToC3Rows<Group, kOrderBGR>(src, dst, pairs);
 }
 
 // ---- RGB to planar 4:2:2 and 4:2:0 ----
@@ -299,7 +304,8 @@ void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint
 }  // namespace
 
 const YccRowKernels kYccRowsAVX512 = {
-    PairsToBgrx, PairsToC3, C3ToPlanar422, BgrxToPlanar422, C3ToPlanar420, BgrxToPlanar420,
+    DecodeToBgrx<YuyvGroup>, DecodeToC3<YuyvGroup>, DecodeToBgrx<UyvyGroup>, DecodeToC3<UyvyGroup>,
+    C3ToPlanar422,           BgrxToPlanar422,       C3ToPlanar420,           BgrxToPlanar420,
 };
 
 }  // namespace kestrelink::ycc

@@ -3,15 +3,32 @@
 
 namespace kestrelink::ycc {
 
+namespace {
+
+template <class Group>
+void DecodeToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+  if (order == kOrderRGB)
+    DecodePairsRow<Group>(src, pairs, StoreC3<kOrderRGB>{dst});
+  else
+    DecodePairsRow<Group>(src, pairs, StoreC3<kOrderBGR>{dst});
+}
+
+}  // namespace
+
 void PairsToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
-  DecodePairsRow(src, pairs, StoreBgrx{dst, alpha});
+  DecodePairsRow<YuyvGroup>(src, pairs, StoreBgrx{dst, alpha});
 }
 
 void PairsToC3Portable(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
-  if (order == kOrderRGB)
-    DecodePairsRow(src, pairs, StoreC3<kOrderRGB>{dst});
-  else
-    DecodePairsRow(src, pairs, StoreC3<kOrderBGR>{dst});
+  DecodeToC3<YuyvGroup>(src, dst, pairs, order);
+}
+
+void UyvyToBgrxPortable(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+  DecodePairsRow<UyvyGroup>(src, pairs, StoreBgrx{dst, alpha});
+}
+
+void UyvyToC3Portable(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+  DecodeToC3<UyvyGroup>(src, dst, pairs, order);
 }
 
 void C3ToPlanar422Portable(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, uint32_t w,
@@ -40,8 +57,8 @@ void BgrxToPlanar420Portable(const uint8_t* src0, const uint8_t* src1, uint8_t* 
 }
 
 const YccRowKernels kYccRowsPortable = {
-    PairsToBgrxPortable,     PairsToC3Portable,     C3ToPlanar422Portable,
-    BgrxToPlanar422Portable, C3ToPlanar420Portable, BgrxToPlanar420Portable,
+    PairsToBgrxPortable,   PairsToC3Portable,       UyvyToBgrxPortable,    UyvyToC3Portable,
+    C3ToPlanar422Portable, BgrxToPlanar422Portable, C3ToPlanar420Portable, BgrxToPlanar420Portable,
 };
 
 }  // namespace kestrelink::ycc

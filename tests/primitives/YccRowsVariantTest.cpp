@@ -43,7 +43,13 @@ TEST(YccRowsVariants, DecodersMatchThePortableRows) {
         ref.pairs_to_c3(src.data() + 1, want3[0], pairs, order);
         k->pairs_to_c3(src.data() + 1, got3[0], pairs, order);
         ASSERT_EQ(want3.buffers, got3.buffers) << "pairs_to_c3, order " << order << ", pairs " << pairs;
+        ref.uyvy_to_c3(src.data() + 1, want3[0], pairs, order);
+        k->uyvy_to_c3(src.data() + 1, got3[0], pairs, order);
+        ASSERT_EQ(want3.buffers, got3.buffers) << "uyvy_to_c3, order " << order << ", pairs " << pairs;
       }
+      ref.uyvy_to_bgrx(src.data() + 1, want[0], pairs, 0x3C);
+      k->uyvy_to_bgrx(src.data() + 1, got[0], pairs, 0x3C);
+      ASSERT_EQ(want.buffers, got.buffers) << "uyvy_to_bgrx, pairs " << pairs;
     }
   }
 }
@@ -80,6 +86,29 @@ TEST(YccRowsVariants, EncodersMatchThePortableRows) {
   }
 }
 
+// The Cb Y0 Cr Y1 rows give what the Y0 Cb Y1 Cr rows give for the same
+// groups with the bytes of each 16-bit word swapped.
+TEST(YccRowsVariants, UyvyRowsAreThePairRowsInTheOtherByteOrder) {
+  for (auto v : testsupport::RunnableVariants()) {
+    const YccRowKernels* k = Table(v);
+    if (!k) continue;
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    for (uint32_t pairs : {1u, 7u, 8u, 33u}) {
+      const Bytes uyvy = testsupport::RandomBytes(4 * size_t(pairs), pairs + 21);
+      Bytes yuyv(uyvy.size());
+      for (size_t i = 0; i < uyvy.size(); i += 2) yuyv[i] = uyvy[i + 1], yuyv[i + 1] = uyvy[i];
+      Outputs want({8 * size_t(pairs)}), got({8 * size_t(pairs)});
+      k->pairs_to_bgrx(yuyv.data(), want[0], pairs, 0);
+      k->uyvy_to_bgrx(uyvy.data(), got[0], pairs, 0);
+      ASSERT_EQ(want.buffers, got.buffers) << "bgrx, pairs " << pairs;
+      Outputs want3({6 * size_t(pairs)}), got3({6 * size_t(pairs)});
+      k->pairs_to_c3(yuyv.data(), want3[0], pairs, kOrderRGB);
+      k->uyvy_to_c3(uyvy.data(), got3[0], pairs, kOrderRGB);
+      ASSERT_EQ(want3.buffers, got3.buffers) << "rgb, pairs " << pairs;
+    }
+  }
+}
+
 // Extreme inputs, where saturation and the offsets matter most.
 TEST(YccRowsVariants, ExtremesMatchThePortableRows) {
   Bytes src;
@@ -95,6 +124,9 @@ TEST(YccRowsVariants, ExtremesMatchThePortableRows) {
     kYccRowsPortable.pairs_to_bgrx(src.data(), want[0], 64, 0);
     k->pairs_to_bgrx(src.data(), got[0], 64, 0);
     EXPECT_EQ(want.buffers, got.buffers) << kestrelink::VariantName(v);
+    kYccRowsPortable.uyvy_to_bgrx(src.data(), want[0], 64, 0);
+    k->uyvy_to_bgrx(src.data(), got[0], 64, 0);
+    EXPECT_EQ(want.buffers, got.buffers) << "uyvy " << kestrelink::VariantName(v);
     Outputs want3({64, 32, 32}), got3({64, 32, 32});
     kYccRowsPortable.bgrx_to_planar422(src.data(), want3[0], want3[1], want3[2], 64);
     k->bgrx_to_planar422(src.data(), got3[0], got3[1], got3[2], 64);

@@ -1,7 +1,7 @@
 // Streams with several slices a picture, as many network cameras send them,
 // from the ffmpeg tool: the live path gives each picture once and whole, fed
-// whole, in random pieces or one NAL unit a call, as the record path and
-// ffmpeg's own decode give it. Skipped where the tools are not installed.
+// whole, in random pieces, an access unit or one NAL unit a call, as the
+// record path and ffmpeg's own decode give it. Skipped where the tools are not installed.
 #include <kestrelink/CH264Conversion.h>
 
 #include <gtest/gtest.h>
@@ -48,7 +48,8 @@ SlicedStream Encode(const std::string& options) {
 
 size_t SliceCount(const std::vector<uint8_t>& stream) {
   size_t slices = 0;
-  for (const auto& [at, size] : h264test::NalUnits(stream.data(), stream.size())) slices += (stream[at] & 31) == 1 || (stream[at] & 31) == 5;
+  for (const auto& [at, size] : h264test::NalUnits(stream.data(), stream.size()))
+    slices += (stream[at] & 31) == 1 || (stream[at] & 31) == 5;
   return slices;
 }
 

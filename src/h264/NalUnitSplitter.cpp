@@ -127,7 +127,6 @@ bool NalUnitSplitter::NextAccessUnit(MediaData& in, std::vector<uint8_t>& unit) 
     }
     if (found == Found::NeedMore) return false;
     Append(data, nal);
-    m_openUnit = false;
     in.MoveDataPointer(int64_t(nal.next));
     if (nal.next == size && whole && m_unitHasSlice) {
       TakeUnit(unit);

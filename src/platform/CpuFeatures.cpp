@@ -41,6 +41,7 @@ CpuFeatures Detect() {
     f.avx512bw = f.osAvx512 && (b & (1u << 30));
     f.avx512vl = f.osAvx512 && (b & (1u << 31));
     f.avx512vbmi = f.osAvx512 && (c & (1u << 1));
+    f.avx512vnni = f.osAvx512 && (c & (1u << 11));
   }
   f.fma = f.fma && f.osAvx;
   f.mask = (mmx ? 1u : 0) | (sse ? 2u : 0) | (f.sse2 ? 4u : 0) | (f.sse3 ? 8u : 0) |

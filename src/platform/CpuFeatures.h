@@ -12,6 +12,7 @@ struct CpuFeatures {
   bool osAvx = false;     // and the OS saves the YMM state
   bool avx2 = false, bmi2 = false, fma = false;
   bool avx512f = false, avx512bw = false, avx512vl = false, avx512dq = false, avx512vbmi = false;
+  bool avx512vnni = false;
   bool osAvx512 = false;  // the OS saves the ZMM and mask state
   // Feature word in the bit order of the classic processor-dispatch masks:
   // 1 MMX, 2 SSE, 4 SSE2, 8 SSE3, 16 SSSE3, 32 MOVBE, 64 SSE4.1, 128 SSE4.2,

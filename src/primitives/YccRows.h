@@ -6,6 +6,7 @@
 // every variant gives the same bytes as the portable one.
 #include <cstdint>
 
+#include "platform/CpuFeatures.h"
 #include "primitives/Variant.h"
 
 namespace kestrelink::ycc {
@@ -60,11 +61,16 @@ struct YccRowKernels {
 extern const YccRowKernels kYccRowsPortable;
 extern const YccRowKernels kYccRowsAVX2;
 extern const YccRowKernels kYccRowsAVX512;
+// The AVX-512 rows whose 4:2:2 decoders add their dot products in one
+// instruction (AVX-512 VNNI), taken where the processor has it.
+extern const YccRowKernels kYccRowsAVX512Vnni;
 
 inline const YccRowKernels& YccRows() {
   static const YccRowKernels* const slots[kVariantCount] = {&kYccRowsPortable, nullptr, nullptr, &kYccRowsAVX2,
                                                             &kYccRowsAVX512};
-  return PickVariant(slots);
+  static const bool vnni = platform::GetCpuFeatures().avx512vnni;
+  const YccRowKernels& picked = PickVariant(slots);
+  return &picked == &kYccRowsAVX512 && vnni ? kYccRowsAVX512Vnni : picked;
 }
 
 // Portable rows, also the tails of the vector variants.

@@ -38,20 +38,34 @@ struct Channels {
   __m512i b, g, r;  // 32-bit; 128-bit lane k holds pixels 4k .. 4k+3
 };
 
-// Sixteen pixels from eight groups; each lane gets its two groups twice.
-template <class Group>
-inline Channels DecodeSixteen(const uint8_t* src) {
+// acc plus the dot products of the word pairs of a and w, in 32-bit lanes.
+struct DotAdd {
+  static inline __m512i Apply(__m512i acc, __m512i a, __m512i w) {
+    return _mm512_add_epi32(acc, _mm512_madd_epi16(a, w));
+  }
+};
+// The same in one instruction, where the processor has AVX-512 VNNI.
+struct DotAddVnni {
+  __attribute__((target("avx512vnni"))) static inline __m512i Apply(__m512i acc, __m512i a, __m512i w) {
+    return _mm512_dpwssd_epi32(acc, a, w);
+  }
+};
+
+// Sixteen pixels from eight groups; each lane gets its two groups twice. The
+// constant terms fold the offsets 16 and 128 and the rounding into one addend.
+template <class Group, class Dot>
+[[gnu::always_inline]] inline Channels DecodeSixteen(const uint8_t* src) {
   const __m256i raw = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src));
   const __m512i s = _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 0, 1, 1, 2, 2, 3, 3), _mm512_castsi256_si512(raw));
   const __m512i ycb = _mm512_shuffle_epi8(s, ToWords<Group>(Group::kCb));
   const __m512i ycr = _mm512_shuffle_epi8(s, ToWords<Group>(Group::kCr));
-  const __m512i b = _mm512_add_epi32(_mm512_madd_epi16(ycb, Weights(kLuma, kCbToB)),
-                                     _mm512_set1_epi32(-kLuma * 16 - kCbToB * 128 + 2048));
-  const __m512i r = _mm512_add_epi32(_mm512_madd_epi16(ycr, Weights(kLuma, kCrToR)),
-                                     _mm512_set1_epi32(-kLuma * 16 - kCrToR * 128 + 2048));
-  const __m512i g = _mm512_add_epi32(
-      _mm512_add_epi32(_mm512_madd_epi16(ycr, Weights(kLuma, -kCrToG)), _mm512_madd_epi16(ycb, Weights(0, -kCbToG))),
-      _mm512_set1_epi32(-kLuma * 16 + (kCrToG + kCbToG) * 128 + 2048));
+  const __m512i b =
+      Dot::Apply(_mm512_set1_epi32(-kLuma * 16 - kCbToB * 128 + 2048), ycb, Weights(kLuma, kCbToB));
+  const __m512i r =
+      Dot::Apply(_mm512_set1_epi32(-kLuma * 16 - kCrToR * 128 + 2048), ycr, Weights(kLuma, kCrToR));
+  const __m512i g = Dot::Apply(
+      Dot::Apply(_mm512_set1_epi32(-kLuma * 16 + (kCrToG + kCbToG) * 128 + 2048), ycr, Weights(kLuma, -kCrToG)),
+      ycb, Weights(0, -kCbToG));
   return {_mm512_srai_epi32(b, 12), _mm512_srai_epi32(g, 12), _mm512_srai_epi32(r, 12)};
 }
 
@@ -60,24 +74,24 @@ inline __m512i PackBytes(__m512i a, __m512i b, __m512i c, __m512i d) {
   return _mm512_packus_epi16(_mm512_packs_epi32(a, b), _mm512_packs_epi32(c, d));
 }
 
-template <class Group>
-void DecodeToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+template <class Group, class Dot>
+[[gnu::always_inline]] inline void DecodeToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
   const __m512i a = _mm512_set1_epi32(alpha);
   uint32_t i = 0;
   for (; i + 8 <= pairs; i += 8) {
-    const Channels c = DecodeSixteen<Group>(src + 4 * size_t(i));
+    const Channels c = DecodeSixteen<Group, Dot>(src + 4 * size_t(i));
     _mm512_storeu_si512(dst + 8 * size_t(i), _mm512_shuffle_epi8(PackBytes(c.b, c.g, c.r, a), Pattern(kToBgrx)));
   }
   PortablePairRows<Group>::bgrx(src + 4 * size_t(i), dst + 8 * size_t(i), pairs - i, alpha);
 }
 
-template <class Group, ChannelOrder order>
-void DecodeToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
+template <class Group, class Dot, ChannelOrder order>
+[[gnu::always_inline]] inline void DecodeToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
   const __m512i zero = _mm512_setzero_si512();
   const __m512i join = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
   uint32_t i = 0;
   for (; i + 8 <= pairs; i += 8) {
-    const Channels c = DecodeSixteen<Group>(src + 4 * size_t(i));
+    const Channels c = DecodeSixteen<Group, Dot>(src + 4 * size_t(i));
     const __m512i planes = order == kOrderBGR ? PackBytes(c.b, c.g, c.r, zero) : PackBytes(c.r, c.g, c.b, zero);
     const __m512i px = _mm512_permutexvar_epi32(join, _mm512_shuffle_epi8(planes, Pattern(kToC3)));
     uint8_t* out = dst + 6 * size_t(i);
@@ -88,11 +102,31 @@ void DecodeToC3Rows(const uint8_t* src, uint8_t* dst, uint32_t pairs) {
 }
 
 template <class Group>
-void DecodeToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
+void ToBgrx(const uint8_t* src, uint8_t* dst, uint32_t pairs, uint8_t alpha) {
+  DecodeToBgrx<Group, DotAdd>(src, dst, pairs, alpha);
+}
+
+template <class Group>
+void ToC3(const uint8_t* src, uint8_t* dst, uint32_t pairs, ChannelOrder order) {
   if (order == kOrderRGB)
-    DecodeToC3Rows<Group, kOrderRGB>(src, dst, pairs);
+    DecodeToC3Rows<Group, DotAdd, kOrderRGB>(src, dst, pairs);
   else
-    DecodeToC3Rows<Group, kOrderBGR>(src, dst, pairs);
+    DecodeToC3Rows<Group, DotAdd, kOrderBGR>(src, dst, pairs);
+}
+
+template <class Group>
+__attribute__((target("avx512vnni"))) void ToBgrxVnni(const uint8_t* src, uint8_t* dst, uint32_t pairs,
+                                                     uint8_t alpha) {
+  DecodeToBgrx<Group, DotAddVnni>(src, dst, pairs, alpha);
+}
+
+template <class Group>
+__attribute__((target("avx512vnni"))) void ToC3Vnni(const uint8_t* src, uint8_t* dst, uint32_t pairs,
+                                                   ChannelOrder order) {
+  if (order == kOrderRGB)
+    DecodeToC3Rows<Group, DotAddVnni, kOrderRGB>(src, dst, pairs);
+  else
+    DecodeToC3Rows<Group, DotAddVnni, kOrderBGR>(src, dst, pairs);
 }
 
 // ---- RGB to planar 4:2:2 and 4:2:0 ----
@@ -304,8 +338,13 @@ void BgrxToPlanar420(const uint8_t* src0, const uint8_t* src1, uint8_t* y0, uint
 }  // namespace
 
 const YccRowKernels kYccRowsAVX512 = {
-    DecodeToBgrx<YuyvGroup>, DecodeToC3<YuyvGroup>, DecodeToBgrx<UyvyGroup>, DecodeToC3<UyvyGroup>,
-    C3ToPlanar422,           BgrxToPlanar422,       C3ToPlanar420,           BgrxToPlanar420,
+    ToBgrx<YuyvGroup>, ToC3<YuyvGroup>, ToBgrx<UyvyGroup>, ToC3<UyvyGroup>,
+    C3ToPlanar422,     BgrxToPlanar422, C3ToPlanar420,     BgrxToPlanar420,
+};
+
+const YccRowKernels kYccRowsAVX512Vnni = {
+    ToBgrxVnni<YuyvGroup>, ToC3Vnni<YuyvGroup>, ToBgrxVnni<UyvyGroup>, ToC3Vnni<UyvyGroup>,
+    C3ToPlanar422,         BgrxToPlanar422,     C3ToPlanar420,         BgrxToPlanar420,
 };
 
 }  // namespace kestrelink::ycc

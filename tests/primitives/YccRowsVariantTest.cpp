@@ -3,6 +3,10 @@
 // and guard bytes after each output.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "primitives/YccRows.h"
 #include "support/TestSupport.h"
 
@@ -13,6 +17,18 @@ using namespace kestrelink::ycc;
 const YccRowKernels* Table(kestrelink::CpuVariant v) {
   const YccRowKernels* tables[] = {&kYccRowsPortable, nullptr, nullptr, &kYccRowsAVX2, &kYccRowsAVX512};
   return tables[v];
+}
+
+// The tables this machine runs, by name: each variant's, and the AVX-512
+// rows with VNNI where the processor has it.
+std::vector<std::pair<std::string, const YccRowKernels*>> Tables() {
+  std::vector<std::pair<std::string, const YccRowKernels*>> tables;
+  for (auto v : testsupport::RunnableVariants())
+    if (Table(v)) tables.emplace_back(kestrelink::VariantName(v), Table(v));
+  if (kestrelink::platform::GetCpuFeatures().avx512vnni && Table(kestrelink::kVariantAVX512) &&
+      !tables.empty() && tables.back().second == Table(kestrelink::kVariantAVX512))
+    tables.emplace_back("avx512 with VNNI", &kYccRowsAVX512Vnni);
+  return tables;
 }
 
 using Bytes = std::vector<uint8_t>;
@@ -28,10 +44,9 @@ struct Outputs {
 
 TEST(YccRowsVariants, DecodersMatchThePortableRows) {
   const YccRowKernels& ref = kYccRowsPortable;
-  for (auto v : testsupport::RunnableVariants()) {
-    const YccRowKernels* k = Table(v);
-    if (!k || k == &ref) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  for (const auto& [name, k] : Tables()) {
+    if (k == &ref) continue;
+    SCOPED_TRACE(name);
     for (uint32_t pairs = 0; pairs <= 70; ++pairs) {
       const Bytes src = testsupport::RandomBytes(4 * size_t(pairs) + 1, pairs + 7);
       Outputs want({8 * size_t(pairs)}), got({8 * size_t(pairs)});
@@ -56,10 +71,9 @@ TEST(YccRowsVariants, DecodersMatchThePortableRows) {
 
 TEST(YccRowsVariants, EncodersMatchThePortableRows) {
   const YccRowKernels& ref = kYccRowsPortable;
-  for (auto v : testsupport::RunnableVariants()) {
-    const YccRowKernels* k = Table(v);
-    if (!k || k == &ref) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  for (const auto& [name, k] : Tables()) {
+    if (k == &ref) continue;
+    SCOPED_TRACE(name);
     for (uint32_t w = 0; w <= 140; ++w) {
       const Bytes src0 = testsupport::RandomBytes(4 * size_t(w) + 1, w + 11);
       const Bytes src1 = testsupport::RandomBytes(4 * size_t(w) + 1, w + 13);
@@ -89,10 +103,8 @@ TEST(YccRowsVariants, EncodersMatchThePortableRows) {
 // The Cb Y0 Cr Y1 rows give what the Y0 Cb Y1 Cr rows give for the same
 // groups with the bytes of each 16-bit word swapped.
 TEST(YccRowsVariants, UyvyRowsAreThePairRowsInTheOtherByteOrder) {
-  for (auto v : testsupport::RunnableVariants()) {
-    const YccRowKernels* k = Table(v);
-    if (!k) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  for (const auto& [name, k] : Tables()) {
+    SCOPED_TRACE(name);
     for (uint32_t pairs : {1u, 7u, 8u, 33u}) {
       const Bytes uyvy = testsupport::RandomBytes(4 * size_t(pairs), pairs + 21);
       Bytes yuyv(uyvy.size());
@@ -117,20 +129,19 @@ TEST(YccRowsVariants, ExtremesMatchThePortableRows) {
       for (int c : {0, 255})
         for (int d : {0, 255}) src.insert(src.end(), {uint8_t(a), uint8_t(b), uint8_t(c), uint8_t(d)});
   src.resize(4 * 64, 128);
-  for (auto v : testsupport::RunnableVariants()) {
-    const YccRowKernels* k = Table(v);
-    if (!k) continue;
+  for (const auto& [name, k] : Tables()) {
+    SCOPED_TRACE(name);
     Outputs want({512}), got({512});
     kYccRowsPortable.pairs_to_bgrx(src.data(), want[0], 64, 0);
     k->pairs_to_bgrx(src.data(), got[0], 64, 0);
-    EXPECT_EQ(want.buffers, got.buffers) << kestrelink::VariantName(v);
+    EXPECT_EQ(want.buffers, got.buffers) << name;
     kYccRowsPortable.uyvy_to_bgrx(src.data(), want[0], 64, 0);
     k->uyvy_to_bgrx(src.data(), got[0], 64, 0);
-    EXPECT_EQ(want.buffers, got.buffers) << "uyvy " << kestrelink::VariantName(v);
+    EXPECT_EQ(want.buffers, got.buffers) << "uyvy";
     Outputs want3({64, 32, 32}), got3({64, 32, 32});
     kYccRowsPortable.bgrx_to_planar422(src.data(), want3[0], want3[1], want3[2], 64);
     k->bgrx_to_planar422(src.data(), got3[0], got3[1], got3[2], 64);
-    EXPECT_EQ(want3.buffers, got3.buffers) << kestrelink::VariantName(v);
+    EXPECT_EQ(want3.buffers, got3.buffers) << "planar";
   }
 }
 
@@ -138,6 +149,7 @@ TEST(YccRowsVariants, TableFollowsTheActiveVariant) {
   for (auto v : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant scoped(v);
     const YccRowKernels* want = Table(v) ? Table(v) : &kYccRowsPortable;
+    if (want == &kYccRowsAVX512 && kestrelink::platform::GetCpuFeatures().avx512vnni) want = &kYccRowsAVX512Vnni;
     EXPECT_EQ(&YccRows(), want) << kestrelink::VariantName(v);
   }
 }

@@ -61,12 +61,24 @@ IppStatus RotateRegion(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect sr
   // u = c (X - xShift) + s (Y - yShift),  v = -s (X - xShift) + c (Y - yShift).
   const Warp w{reinterpret_cast<const uint8_t*>(pSrc), srcStep, int(x0), int(y0), int(x1), int(y1),
                c, s, -c * xShift - s * yShift, -s, c, s * xShift - c * yShift};
+  // A turn that is not a number covers nothing.
+  for (double k : {w.ux, w.uy, w.u0, w.vx, w.vy, w.v0})
+    if (!std::isfinite(k)) return ippStsNoErr;
   const RowFn<T, C, W> row = smooth ? RowFor<T, C, W, true>(kind) : RowFor<T, C, W, false>(kind);
   const int dx0 = dstROI.x, dx1 = int(std::min<int64_t>(int64_t(dstROI.x) + dstROI.width, INT32_MAX));
   const int dy1 = int(std::min<int64_t>(int64_t(dstROI.y) + dstROI.height, INT32_MAX));
-  for (int Y = dstROI.y; Y < dy1; ++Y) {
-    T* out = reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(pDst) + ptrdiff_t(Y) * dstStep) + ptrdiff_t(dx0) * C;
-    row(w, Y, dx0, dx1, out);
+  // Blocks of destination pixels draw on a compact patch of the source: a
+  // whole destination row would cross hundreds of source rows at a slant.
+  constexpr int kBlockWidth = 64, kBlockHeight = 32;
+  for (int Y0 = dstROI.y; Y0 < dy1; Y0 += kBlockHeight) {
+    const int Y1 = int(std::min<int64_t>(int64_t(Y0) + kBlockHeight, dy1));
+    for (int X0 = dx0; X0 < dx1; X0 += kBlockWidth) {
+      const int X1 = int(std::min<int64_t>(int64_t(X0) + kBlockWidth, dx1));
+      for (int Y = Y0; Y < Y1; ++Y) {
+        T* out = reinterpret_cast<T*>(reinterpret_cast<uint8_t*>(pDst) + ptrdiff_t(Y) * dstStep) + ptrdiff_t(X0) * C;
+        row(w, Y, X0, X1, out);
+      }
+    }
   }
   return ippStsNoErr;
 }

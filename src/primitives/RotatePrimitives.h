@@ -17,6 +17,7 @@
 // span around the source point that lies within srcROI, the two multiplied.
 // Inside the picture this is 1 and the result is that of the plain kernel.
 //
+// An angle or shift that is not a finite number covers nothing (status 0).
 // Quarter turns use exact sines and cosines, so a turn by a multiple of 90
 // degrees about a pixel centre moves whole pixels. The four-channel forms
 // (AC4) write the first three samples of a pixel and leave the fourth.

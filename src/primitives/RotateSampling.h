@@ -32,6 +32,14 @@ struct Source {
 
 inline int Clamp(int v, int lo, int hi) { return std::min(std::max(v, lo), hi); }
 
+// floor() for source coordinates, which stay far inside the int range (the
+// covered span keeps them within a pixel or two of the region); without
+// SSE4.1 the library call would cost more than the whole sample.
+inline int Floor(double x) {
+  const int t = int(x);
+  return t - (x < double(t));
+}
+
 template <class T>
 inline T Round(float v) {
   constexpr float kMax = float(std::numeric_limits<T>::max());
@@ -52,14 +60,13 @@ template <class T, int C, int W, Kind K>
 inline void Sample(const Source<T, C>& s, double u, double v, float out[W]) {
   const Warp& w = s.w;
   if constexpr (K == Kind::kNearest) {
-    const T* p = s.Pixel(Clamp(int(std::floor(u + 0.5)), w.x0, w.x1 - 1),
-                         Clamp(int(std::floor(v + 0.5)), w.y0, w.y1 - 1));
+    const T* p = s.Pixel(Clamp(Floor(u + 0.5), w.x0, w.x1 - 1), Clamp(Floor(v + 0.5), w.y0, w.y1 - 1));
     for (int c = 0; c < W; ++c) out[c] = float(p[c]);
   } else if constexpr (K == Kind::kLinear) {
-    const double fu = std::floor(u), fv = std::floor(v);
-    const float tx = float(u - fu), ty = float(v - fv);
-    const int xa = Clamp(int(fu), w.x0, w.x1 - 1), xb = Clamp(int(fu) + 1, w.x0, w.x1 - 1);
-    const int ya = Clamp(int(fv), w.y0, w.y1 - 1), yb = Clamp(int(fv) + 1, w.y0, w.y1 - 1);
+    const int iu = Floor(u), iv = Floor(v);
+    const float tx = float(u - iu), ty = float(v - iv);
+    const int xa = Clamp(iu, w.x0, w.x1 - 1), xb = Clamp(iu + 1, w.x0, w.x1 - 1);
+    const int ya = Clamp(iv, w.y0, w.y1 - 1), yb = Clamp(iv + 1, w.y0, w.y1 - 1);
     const T *p00 = s.Pixel(xa, ya), *p01 = s.Pixel(xb, ya), *p10 = s.Pixel(xa, yb), *p11 = s.Pixel(xb, yb);
     for (int c = 0; c < W; ++c) {
       const float top = float(p00[c]) + tx * (float(p01[c]) - float(p00[c]));
@@ -67,15 +74,15 @@ inline void Sample(const Source<T, C>& s, double u, double v, float out[W]) {
       out[c] = top + ty * (bottom - top);
     }
   } else {
-    const double fu = std::floor(u), fv = std::floor(v);
+    const int iu = Floor(u), iv = Floor(v);
     float wx[4], wy[4];
-    CubicWeights(float(u - fu), wx);
-    CubicWeights(float(v - fv), wy);
+    CubicWeights(float(u - iu), wx);
+    CubicWeights(float(v - iv), wy);
     int xs[4];
-    for (int k = 0; k < 4; ++k) xs[k] = Clamp(int(fu) - 1 + k, w.x0, w.x1 - 1);
+    for (int k = 0; k < 4; ++k) xs[k] = Clamp(iu - 1 + k, w.x0, w.x1 - 1);
     for (int c = 0; c < W; ++c) out[c] = 0.0f;
     for (int j = 0; j < 4; ++j) {
-      const int y = Clamp(int(fv) - 1 + j, w.y0, w.y1 - 1);
+      const int y = Clamp(iv - 1 + j, w.y0, w.y1 - 1);
       float row[W] = {};
       for (int k = 0; k < 4; ++k) {
         const T* p = s.Pixel(xs[k], y);
@@ -114,28 +121,110 @@ inline void CoveredSpan(const Warp& w, int Y, int dx0, int dx1, double margin, i
   last = int(std::max(hi, lo));
 }
 
-// Destination row Y, pixels [dx0, dx1) at `row` (pixel dx0 first).
+// How far the taps of a kind reach before and after floor(u).
+template <Kind K>
+inline constexpr int kTapsBefore = K == Kind::kCubic ? 1 : 0;
+template <Kind K>
+inline constexpr int kTapsAfter = K == Kind::kCubic ? 2 : 1;
+
+// A source point whose taps all lie inside the region, so no tap is clamped
+// and its coverage is whole: the plain test and the blend both pass.
+template <Kind K>
+inline bool Interior(const Warp& w, double u, double v) {
+  return u >= w.x0 + kTapsBefore<K> && u < w.x1 - kTapsAfter<K> && v >= w.y0 + kTapsBefore<K> &&
+         v < w.y1 - kTapsAfter<K>;
+}
+
+// Sample() for an interior point: the same arithmetic without the clamps
+// (coordinates there are not negative, so truncation is floor).
+template <class T, int C, int W, Kind K>
+inline void SampleInterior(const Source<T, C>& s, double u, double v, float out[W]) {
+  if constexpr (K == Kind::kNearest) {
+    const T* p = s.Pixel(int(u + 0.5), int(v + 0.5));
+    for (int c = 0; c < W; ++c) out[c] = float(p[c]);
+  } else if constexpr (K == Kind::kLinear) {
+    const int iu = int(u), iv = int(v);
+    const float tx = float(u - iu), ty = float(v - iv);
+    const T *p00 = s.Pixel(iu, iv), *p10 = s.Pixel(iu, iv + 1);
+    for (int c = 0; c < W; ++c) {
+      const float top = float(p00[c]) + tx * (float(p00[C + c]) - float(p00[c]));
+      const float bottom = float(p10[c]) + tx * (float(p10[C + c]) - float(p10[c]));
+      out[c] = top + ty * (bottom - top);
+    }
+  } else {
+    const int iu = int(u), iv = int(v);
+    float wx[4], wy[4];
+    CubicWeights(float(u - iu), wx);
+    CubicWeights(float(v - iv), wy);
+    for (int c = 0; c < W; ++c) out[c] = 0.0f;
+    for (int j = 0; j < 4; ++j) {
+      const T* p = s.Pixel(iu - 1, iv - 1 + j);
+      float row[W] = {};
+      for (int k = 0; k < 4; ++k)
+        for (int c = 0; c < W; ++c) row[c] += wx[k] * float(p[k * C + c]);
+      for (int c = 0; c < W; ++c) out[c] += wy[j] * row[c];
+    }
+  }
+}
+
+// The columns [a, b) of [first, last) whose points are all interior: an
+// estimate from the straight line, then each end stepped inward until its
+// own point is interior. Interior points of a row form one run, as the line
+// is monotone on each axis and the region is a box.
+template <Kind K>
+inline void InteriorSpan(const Warp& w, double uRow, double vRow, int first, int last, int& a, int& b) {
+  double lo = first, hi = last;
+  const auto limit = [&](double slope, double at0, double min, double max) {
+    // min <= slope * X + at0 < max
+    if (slope == 0.0) {
+      if (!(at0 >= min && at0 < max)) hi = lo;
+      return;
+    }
+    double p = (min - at0) / slope, q = (max - at0) / slope;
+    if (p > q) std::swap(p, q);
+    lo = std::max(lo, std::ceil(p));
+    hi = std::min(hi, std::floor(q) + 1.0);
+  };
+  limit(w.ux, uRow, w.x0 + kTapsBefore<K>, w.x1 - kTapsAfter<K>);
+  limit(w.vx, vRow, w.y0 + kTapsBefore<K>, w.y1 - kTapsAfter<K>);
+  lo = std::min(lo, double(last));
+  a = int(lo);
+  b = int(std::max(hi, lo));
+  while (a < b && !Interior<K>(w, w.ux * a + uRow, w.vx * a + vRow)) ++a;
+  while (b > a && !Interior<K>(w, w.ux * (b - 1) + uRow, w.vx * (b - 1) + vRow)) --b;
+}
+
+// One destination pixel at X of a row, by the edge rule; Inner: its point is interior.
+template <class T, int C, int W, Kind K, bool Smooth, bool Inner>
+inline void RotatePixel(const Source<T, C>& s, const Warp& w, double u, double v, T* d) {
+  float px[W];
+  if constexpr (Smooth) {
+    const float cover = Inner ? 1.0f : Coverage(u, w.x0, w.x1) * Coverage(v, w.y0, w.y1);
+    if (!(cover > 0.0f)) return;
+    if constexpr (Inner) SampleInterior<T, C, W, K>(s, u, v, px); else Sample<T, C, W, K>(s, u, v, px);
+    for (int c = 0; c < W; ++c) d[c] = Round<T>(float(d[c]) + cover * (px[c] - float(d[c])));
+  } else {
+    if (!Inner && !(u >= w.x0 - 0.5 && u < w.x1 - 0.5 && v >= w.y0 - 0.5 && v < w.y1 - 0.5)) return;
+    if constexpr (Inner) SampleInterior<T, C, W, K>(s, u, v, px); else Sample<T, C, W, K>(s, u, v, px);
+    for (int c = 0; c < W; ++c) d[c] = Round<T>(px[c]);
+  }
+}
+
+// Destination row Y, pixels [dx0, dx1) at `row` (pixel dx0 first): the
+// interior run without clamps or tests, the pixels around it one by one.
 template <class T, int C, int W, Kind K, bool Smooth>
 void RotateRow(const Warp& w, int Y, int dx0, int dx1, T* row) {
   const Source<T, C> s{w};
-  int first, last;
+  int first, last, a, b;
   CoveredSpan(w, Y, dx0, dx1, 1.0, first, last);
   const double uRow = w.uy * Y + w.u0, vRow = w.vy * Y + w.v0;
-  for (int X = first; X < last; ++X) {
-    const double u = w.ux * X + uRow, v = w.vx * X + vRow;
-    T* d = row + ptrdiff_t(X - dx0) * C;
-    float px[W];
-    if constexpr (Smooth) {
-      const float cover = Coverage(u, w.x0, w.x1) * Coverage(v, w.y0, w.y1);
-      if (cover <= 0.0f) continue;
-      Sample<T, C, W, K>(s, u, v, px);
-      for (int c = 0; c < W; ++c) d[c] = Round<T>(float(d[c]) + cover * (px[c] - float(d[c])));
-    } else {
-      if (!(u >= w.x0 - 0.5 && u < w.x1 - 0.5 && v >= w.y0 - 0.5 && v < w.y1 - 0.5)) continue;
-      Sample<T, C, W, K>(s, u, v, px);
-      for (int c = 0; c < W; ++c) d[c] = Round<T>(px[c]);
-    }
-  }
+  InteriorSpan<K>(w, uRow, vRow, first, last, a, b);
+  for (int X = first; X < a; ++X)
+    RotatePixel<T, C, W, K, Smooth, false>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
+  for (int X = a; X < b; ++X)
+    RotatePixel<T, C, W, K, Smooth, true>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
+  for (int X = b; X < last; ++X)
+    RotatePixel<T, C, W, K, Smooth, false>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
 }
 
 }  // namespace kestrelink::rotate

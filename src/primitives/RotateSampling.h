@@ -55,18 +55,21 @@ inline void CubicWeights(float t, float w[4]) {
   w[3] = 0.5f * t3 - 0.5f * t2;
 }
 
-// The W samples of the interpolated pixel at (u, v), as floats.
-template <class T, int C, int W, Kind K>
+// The W samples of the interpolated pixel at (u, v), as floats. Edge: taps
+// may fall outside the region and take its edge pixels; without it every tap
+// lies inside (an interior point) and the same arithmetic runs unclamped.
+template <class T, int C, int W, Kind K, bool Edge = true>
 inline void Sample(const Source<T, C>& s, double u, double v, float out[W]) {
   const Warp& w = s.w;
+  const auto column = [&](int x) { return Edge ? Clamp(x, w.x0, w.x1 - 1) : x; };
+  const auto line = [&](int y) { return Edge ? Clamp(y, w.y0, w.y1 - 1) : y; };
   if constexpr (K == Kind::kNearest) {
-    const T* p = s.Pixel(Clamp(Floor(u + 0.5), w.x0, w.x1 - 1), Clamp(Floor(v + 0.5), w.y0, w.y1 - 1));
+    const T* p = s.Pixel(column(Floor(u + 0.5)), line(Floor(v + 0.5)));
     for (int c = 0; c < W; ++c) out[c] = float(p[c]);
   } else if constexpr (K == Kind::kLinear) {
     const int iu = Floor(u), iv = Floor(v);
     const float tx = float(u - iu), ty = float(v - iv);
-    const int xa = Clamp(iu, w.x0, w.x1 - 1), xb = Clamp(iu + 1, w.x0, w.x1 - 1);
-    const int ya = Clamp(iv, w.y0, w.y1 - 1), yb = Clamp(iv + 1, w.y0, w.y1 - 1);
+    const int xa = column(iu), xb = column(iu + 1), ya = line(iv), yb = line(iv + 1);
     const T *p00 = s.Pixel(xa, ya), *p01 = s.Pixel(xb, ya), *p10 = s.Pixel(xa, yb), *p11 = s.Pixel(xb, yb);
     for (int c = 0; c < W; ++c) {
       const float top = float(p00[c]) + tx * (float(p01[c]) - float(p00[c]));
@@ -79,10 +82,10 @@ inline void Sample(const Source<T, C>& s, double u, double v, float out[W]) {
     CubicWeights(float(u - iu), wx);
     CubicWeights(float(v - iv), wy);
     int xs[4];
-    for (int k = 0; k < 4; ++k) xs[k] = Clamp(iu - 1 + k, w.x0, w.x1 - 1);
+    for (int k = 0; k < 4; ++k) xs[k] = column(iu - 1 + k);
     for (int c = 0; c < W; ++c) out[c] = 0.0f;
     for (int j = 0; j < 4; ++j) {
-      const int y = Clamp(iv - 1 + j, w.y0, w.y1 - 1);
+      const int y = line(iv - 1 + j);
       float row[W] = {};
       for (int k = 0; k < 4; ++k) {
         const T* p = s.Pixel(xs[k], y);
@@ -135,38 +138,6 @@ inline bool Interior(const Warp& w, double u, double v) {
          v < w.y1 - kTapsAfter<K>;
 }
 
-// Sample() for an interior point: the same arithmetic without the clamps
-// (coordinates there are not negative, so truncation is floor).
-template <class T, int C, int W, Kind K>
-inline void SampleInterior(const Source<T, C>& s, double u, double v, float out[W]) {
-  if constexpr (K == Kind::kNearest) {
-    const T* p = s.Pixel(int(u + 0.5), int(v + 0.5));
-    for (int c = 0; c < W; ++c) out[c] = float(p[c]);
-  } else if constexpr (K == Kind::kLinear) {
-    const int iu = int(u), iv = int(v);
-    const float tx = float(u - iu), ty = float(v - iv);
-    const T *p00 = s.Pixel(iu, iv), *p10 = s.Pixel(iu, iv + 1);
-    for (int c = 0; c < W; ++c) {
-      const float top = float(p00[c]) + tx * (float(p00[C + c]) - float(p00[c]));
-      const float bottom = float(p10[c]) + tx * (float(p10[C + c]) - float(p10[c]));
-      out[c] = top + ty * (bottom - top);
-    }
-  } else {
-    const int iu = int(u), iv = int(v);
-    float wx[4], wy[4];
-    CubicWeights(float(u - iu), wx);
-    CubicWeights(float(v - iv), wy);
-    for (int c = 0; c < W; ++c) out[c] = 0.0f;
-    for (int j = 0; j < 4; ++j) {
-      const T* p = s.Pixel(iu - 1, iv - 1 + j);
-      float row[W] = {};
-      for (int k = 0; k < 4; ++k)
-        for (int c = 0; c < W; ++c) row[c] += wx[k] * float(p[k * C + c]);
-      for (int c = 0; c < W; ++c) out[c] += wy[j] * row[c];
-    }
-  }
-}
-
 // The columns [a, b) of [first, last) whose points are all interior: an
 // estimate from the straight line, then each end stepped inward until its
 // own point is interior. Interior points of a row form one run, as the line
@@ -201,11 +172,11 @@ inline void RotatePixel(const Source<T, C>& s, const Warp& w, double u, double v
   if constexpr (Smooth) {
     const float cover = Inner ? 1.0f : Coverage(u, w.x0, w.x1) * Coverage(v, w.y0, w.y1);
     if (!(cover > 0.0f)) return;
-    if constexpr (Inner) SampleInterior<T, C, W, K>(s, u, v, px); else Sample<T, C, W, K>(s, u, v, px);
+    Sample<T, C, W, K, !Inner>(s, u, v, px);
     for (int c = 0; c < W; ++c) d[c] = Round<T>(float(d[c]) + cover * (px[c] - float(d[c])));
   } else {
     if (!Inner && !(u >= w.x0 - 0.5 && u < w.x1 - 0.5 && v >= w.y0 - 0.5 && v < w.y1 - 0.5)) return;
-    if constexpr (Inner) SampleInterior<T, C, W, K>(s, u, v, px); else Sample<T, C, W, K>(s, u, v, px);
+    Sample<T, C, W, K, !Inner>(s, u, v, px);
     for (int c = 0; c < W; ++c) d[c] = Round<T>(px[c]);
   }
 }

@@ -90,6 +90,16 @@ int Interpolation(std::string_view name) {
   throw UsageError("--interp wants nearest, linear or cubic, not '" + std::string(name) + "'");
 }
 
+// The options both verbs share, in their help.
+void PrintCommonOptions(std::ostream& out) {
+  out << "  --size WxH         frame size in pixels (required)\n"
+         "  --layout LAYOUT    "
+      << kGeometryLayouts
+      << " (required)\n"
+         "  --depth D          bits a mono16 or bgr48 sample carries, for the PNG (default 16)\n"
+         "  -h, --help         show this help\n";
+}
+
 bool IsRightAngle(double angle) { return angle == 90.0 || angle == -90.0 || angle == 180.0; }
 
 }  // namespace
@@ -172,14 +182,9 @@ void PrintRotateUsage(std::ostream& out) {
          "  --angle DEG        degrees, clockwise (required)\n"
          "  --centre X,Y       the pixel that stays in place (--center works too)\n"
          "  --interp KIND      nearest, linear or cubic (default linear); not used by exact turns\n"
-         "  --smooth           blend the turned picture's border into the background\n"
-         "  --size WxH         frame size in pixels (required)\n"
-         "  --layout LAYOUT    "
-      << kGeometryLayouts
-      << " (required)\n"
-         "  --depth D          bits a mono16 or bgr48 sample carries, for the PNG (default 16)\n"
-         "  -h, --help         show this help\n"
-         "\n"
+         "  --smooth           blend the turned picture's border into the background\n";
+  PrintCommonOptions(out);
+  out << "\n"
          "example:\n"
          "  kestrelink rotate --angle 90 --size 1920x1080 --layout bgr24 frame.raw turned.png\n"
          "  kestrelink rotate --angle 12.5 --interp cubic --smooth --size 1920x1080 --layout mono8 frame.raw tilted.png\n";
@@ -230,14 +235,9 @@ void PrintMirrorUsage(std::ostream& out) {
          "both (a half turn). The output has the input's size and layout.\n"
          "\n"
          "options:\n"
-         "  --axis AXIS        h, v or both (required)\n"
-         "  --size WxH         frame size in pixels (required)\n"
-         "  --layout LAYOUT    "
-      << kGeometryLayouts
-      << " (required)\n"
-         "  --depth D          bits a mono16 or bgr48 sample carries, for the PNG (default 16)\n"
-         "  -h, --help         show this help\n"
-         "\n"
+         "  --axis AXIS        h, v or both (required)\n";
+  PrintCommonOptions(out);
+  out << "\n"
          "example:\n"
          "  kestrelink mirror --axis v --size 1920x1080 --layout bgrx frame.raw mirrored.png\n";
 }

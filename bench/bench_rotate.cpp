@@ -72,10 +72,14 @@ bool OursRotate(CIppImageRotate& r, const Pixel& p, SizeFrames& f, uint32_t dw, 
   void* s = f.src.data();
   void* d = f.dst.data();
   switch (p.bytes) {
-    case 1: return r.Mono8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
-    case 2: return r.Mono16Rotate(f.w, f.h, s, dw, dh, d, 0, cx, cy, angle, interpolation, false);
-    case 3: return r.BGR8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
-    default: return r.BGRx8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
+    case 1:
+      return r.Mono8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
+    case 2:
+      return r.Mono16Rotate(f.w, f.h, s, dw, dh, d, 0, cx, cy, angle, interpolation, false);
+    case 3:
+      return r.BGR8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
+    default:
+      return r.BGRx8Rotate(f.w, f.h, s, dw, dh, d, cx, cy, angle, interpolation, false);
   }
 }
 
@@ -85,8 +89,8 @@ std::string Name(const char* what, const Pixel& p, const SizeFrames& f) {
 
 void RegisterMemcpyOf(SizeFrames& f, int bytes) {
   const size_t rowBytes = size_t(f.w) * bytes;
-  Register(Case{"memcpy:" + std::to_string(bytes) + "Bpp " + std::to_string(f.w) + "x" + std::to_string(f.h),
-                kMemcpy, rowBytes * f.h, rowBytes * f.h, SplitRowsTeam(), [&f, rowBytes](int threads) {
+  Register(Case{"memcpy:" + std::to_string(bytes) + "Bpp " + std::to_string(f.w) + "x" + std::to_string(f.h), kMemcpy,
+                rowBytes * f.h, rowBytes * f.h, SplitRowsTeam(), [&f, rowBytes](int threads) {
                   SplitRows(f.h, threads, [&](uint32_t first, uint32_t rows) {
                     std::memcpy(f.dst.data() + first * rowBytes, f.src.data() + first * rowBytes, rows * rowBytes);
                   });
@@ -100,18 +104,19 @@ void LibyuvTurn(const Pixel& p, SizeFrames& f, int degrees, uint32_t first, uint
   const int B = p.bytes, w = int(f.w), h = int(f.h), n = int(rows);
   const uint8_t* s = f.src.data() + size_t(first) * w * B;
   // Output column (90) or row (180) where the band lands.
-  const size_t land = degrees == 90 ? size_t(h - int(first) - n) * B
-                    : degrees == 270 ? size_t(first) * B
-                                     : size_t(h - int(first) - n) * w * B;
+  const size_t land = degrees == 90    ? size_t(h - int(first) - n) * B
+                      : degrees == 270 ? size_t(first) * B
+                                       : size_t(h - int(first) - n) * w * B;
   uint8_t* d = f.dst.data() + land;
   const int dstStride = (degrees == 180 ? w : h) * B;
-  const libyuv::RotationMode mode =
-      degrees == 90 ? libyuv::kRotate90 : degrees == 180 ? libyuv::kRotate180 : libyuv::kRotate270;
+  const libyuv::RotationMode mode = degrees == 90    ? libyuv::kRotate90
+                                    : degrees == 180 ? libyuv::kRotate180
+                                                     : libyuv::kRotate270;
   if (B == 1) {
     libyuv::RotatePlane(s, w, d, dstStride, w, n, mode);
   } else if (B == 2) {
-    libyuv::RotatePlane_16(reinterpret_cast<const uint16_t*>(s), w, reinterpret_cast<uint16_t*>(d), dstStride / 2,
-                           w, n, mode);
+    libyuv::RotatePlane_16(reinterpret_cast<const uint16_t*>(s), w, reinterpret_cast<uint16_t*>(d), dstStride / 2, w, n,
+                           mode);
   } else {
     libyuv::ARGBRotate(s, w * 4, d, dstStride, w, n, mode);
   }
@@ -128,20 +133,20 @@ void RightAngleCases(SizeFrames& f) {
       const uint32_t dw = degrees == 180 ? f.w : rotate.AdjustDestinationWidth(f.h);
       const uint32_t dh = degrees == 180 ? f.h : f.w;
       const double angle = degrees == 270 ? -90.0 : double(degrees);
-      Register(Case{op, kOurs, bytes, bytes, LibraryTeam(), [&f, &p, dw, dh, angle](int) {
-                      return OursRotate(rotate, p, f, dw, dh, 0, 0, angle, 0);
-                    }});
+      Register(Case{op, kOurs, bytes, bytes, LibraryTeam(),
+                    [&f, &p, dw, dh, angle](int) { return OursRotate(rotate, p, f, dw, dh, 0, 0, angle, 0); }});
 #ifdef KESTRELINK_HAVE_LIBYUV
       if (p.bytes != 3)
         Register(Case{op, "libyuv", bytes, bytes, SplitRowsTeam(), [&f, &p, degrees](int threads) {
-                        SplitRows(f.h, threads, [&](uint32_t first, uint32_t rows) { LibyuvTurn(p, f, degrees, first, rows); });
+                        SplitRows(f.h, threads,
+                                  [&](uint32_t first, uint32_t rows) { LibyuvTurn(p, f, degrees, first, rows); });
                         return true;
                       }});
 #endif
 #ifdef KESTRELINK_HAVE_OPENCV
-      const int code = degrees == 90 ? cv::ROTATE_90_CLOCKWISE
-                     : degrees == 180 ? cv::ROTATE_180
-                                      : cv::ROTATE_90_COUNTERCLOCKWISE;
+      const int code = degrees == 90    ? cv::ROTATE_90_CLOCKWISE
+                       : degrees == 180 ? cv::ROTATE_180
+                                        : cv::ROTATE_90_COUNTERCLOCKWISE;
       Register(Case{op, "opencv", bytes, bytes, OpenCvTeam(), [&f, &p, code, dw, dh](int) {
                       const cv::Mat src(int(f.h), int(f.w), p.cvType, f.src.data());
                       cv::Mat dst(int(dh), int(dw), p.cvType, f.dst.data());
@@ -180,7 +185,8 @@ void GeneralCases(SizeFrames& f) {
                       const cv::Mat src(int(f.h), int(f.w), p.cvType, f.src.data());
                       cv::Mat dst(int(f.h), int(f.w), p.cvType, f.dst.data());
                       // OpenCV's positive angle turns anticlockwise on screen.
-                      const cv::Mat m = cv::getRotationMatrix2D(cv::Point2f(float(f.w / 2), float(f.h / 2)), -angle, 1.0);
+                      const cv::Mat m =
+                          cv::getRotationMatrix2D(cv::Point2f(float(f.w / 2), float(f.h / 2)), -angle, 1.0);
                       cv::warpAffine(src, dst, m, dst.size(), flags, cv::BORDER_TRANSPARENT);
                       return dst.data == f.dst.data();
                     }});
@@ -198,10 +204,14 @@ void MirrorCases(SizeFrames& f) {
                     void* s = f.src.data();
                     void* d = f.dst.data();
                     switch (p.bytes) {
-                      case 1: return mirror.MirrorMono8(f.w, f.h, s, d, false, true);
-                      case 2: return mirror.MirrorMono16(f.w, f.h, s, d, false, true);
-                      case 3: return mirror.MirrorBGR24(f.w, f.h, s, d, false, true);
-                      default: return mirror.MirrorBGRx(f.w, f.h, s, d, false, true);
+                      case 1:
+                        return mirror.MirrorMono8(f.w, f.h, s, d, false, true);
+                      case 2:
+                        return mirror.MirrorMono16(f.w, f.h, s, d, false, true);
+                      case 3:
+                        return mirror.MirrorBGR24(f.w, f.h, s, d, false, true);
+                      default:
+                        return mirror.MirrorBGRx(f.w, f.h, s, d, false, true);
                     }
                   }});
 #ifdef KESTRELINK_HAVE_LIBYUV
@@ -228,9 +238,8 @@ void MirrorCases(SizeFrames& f) {
 #endif
   }
   // Ours alone: both axes at once (the half turn's work), 16-bit colour.
-  Register(Case{Name("MirrorBoth", kPixels[3], f), kOurs, 4 * f.pixels, 4 * f.pixels, LibraryTeam(), [&f](int) {
-                  return mirror.MirrorBGRx(f.w, f.h, f.src.data(), f.dst.data(), true, true);
-                }});
+  Register(Case{Name("MirrorBoth", kPixels[3], f), kOurs, 4 * f.pixels, 4 * f.pixels, LibraryTeam(),
+                [&f](int) { return mirror.MirrorBGRx(f.w, f.h, f.src.data(), f.dst.data(), true, true); }});
 }
 
 }  // namespace

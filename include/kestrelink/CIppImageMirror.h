@@ -22,26 +22,20 @@ class KESTRELINK_API CIppImageMirror {
   // Sets up the thread team.
   CIppImageMirror();
 
-  bool MirrorMono8(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                   bool bVerticalAxis);
+  bool MirrorMono8(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
   // 16-bit samples, 2 bytes a pixel.
-  bool MirrorMono16(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                    bool bVerticalAxis);
-  bool MirrorBGR24(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                   bool bVerticalAxis);
+  bool MirrorMono16(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
+  bool MirrorBGR24(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
   // Three 16-bit samples, 6 bytes a pixel.
-  bool MirrorBGR48(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                   bool bVerticalAxis);
-  bool MirrorBGRx(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                  bool bVerticalAxis);
+  bool MirrorBGR48(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
+  bool MirrorBGRx(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
   // Four 16-bit samples, 8 bytes a pixel.
-  bool MirrorBGR64(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis,
-                   bool bVerticalAxis);
+  bool MirrorBGR64(uint32_t width, uint32_t height, void* src, void* dst, bool bHorizontalAxis, bool bVerticalAxis);
 
   // Three planes of 8-bit (24) or 16-bit (48) samples, each mirrored as a
   // mono frame in turn; the first plane that fails stops the call.
-  bool MirrorBGRPlanner24(uint32_t width, uint32_t height, void* src0, void* src1, void* src2, void* dst0,
-                          void* dst1, void* dst2, bool bHorizontalAxis, bool bVerticalAxis);
-  bool MirrorBGRPlanner48(uint32_t width, uint32_t height, void* src0, void* src1, void* src2, void* dst0,
-                          void* dst1, void* dst2, bool bHorizontalAxis, bool bVerticalAxis);
+  bool MirrorBGRPlanner24(uint32_t width, uint32_t height, void* src0, void* src1, void* src2, void* dst0, void* dst1,
+                          void* dst2, bool bHorizontalAxis, bool bVerticalAxis);
+  bool MirrorBGRPlanner48(uint32_t width, uint32_t height, void* src0, void* src1, void* src2, void* dst0, void* dst1,
+                          void* dst2, bool bHorizontalAxis, bool bVerticalAxis);
 };

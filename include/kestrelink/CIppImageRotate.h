@@ -46,22 +46,19 @@ class KESTRELINK_API CIppImageRotate {
   // `width` rounded up to a multiple of 4.
   int AdjustDestinationWidth(unsigned int width);
 
-  bool Mono8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                   void* dst, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
-  bool BGR8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                  void* dst, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
-  bool BGRx8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                   void* dst, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
+  bool Mono8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                   int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
+  bool BGR8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                  int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
+  bool BGRx8Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                   int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
   // 16-bit forms: `unused` is not read.
-  bool Mono16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                    void* dst, int unused, int centerX, int centerY, double angle, int interpolation,
-                    bool bSmoothEdge);
-  bool BGR16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                   void* dst, int unused, int centerX, int centerY, double angle, int interpolation,
-                   bool bSmoothEdge);
-  bool BGRx16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight,
-                    void* dst, int unused, int centerX, int centerY, double angle, int interpolation,
-                    bool bSmoothEdge);
+  bool Mono16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                    int unused, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
+  bool BGR16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                   int unused, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
+  bool BGRx16Rotate(uint32_t srcWidth, uint32_t srcHeight, void* src, uint32_t dstWidth, uint32_t dstHeight, void* dst,
+                    int unused, int centerX, int centerY, double angle, int interpolation, bool bSmoothEdge);
 
  private:
   // The exact right angles: 90 writes output row x, column y from source

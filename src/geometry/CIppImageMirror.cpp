@@ -38,16 +38,14 @@ bool CIppImageMirror::MirrorBGR64(uint32_t width, uint32_t height, void* src, vo
 }
 
 bool CIppImageMirror::MirrorBGRPlanner24(uint32_t width, uint32_t height, void* src0, void* src1, void* src2,
-                                         void* dst0, void* dst1, void* dst2, bool bHorizontalAxis,
-                                         bool bVerticalAxis) {
+                                         void* dst0, void* dst1, void* dst2, bool bHorizontalAxis, bool bVerticalAxis) {
   return MirrorMono8(width, height, src0, dst0, bHorizontalAxis, bVerticalAxis) &&
          MirrorMono8(width, height, src1, dst1, bHorizontalAxis, bVerticalAxis) &&
          MirrorMono8(width, height, src2, dst2, bHorizontalAxis, bVerticalAxis);
 }
 
 bool CIppImageMirror::MirrorBGRPlanner48(uint32_t width, uint32_t height, void* src0, void* src1, void* src2,
-                                         void* dst0, void* dst1, void* dst2, bool bHorizontalAxis,
-                                         bool bVerticalAxis) {
+                                         void* dst0, void* dst1, void* dst2, bool bHorizontalAxis, bool bVerticalAxis) {
   return MirrorMono16(width, height, src0, dst0, bHorizontalAxis, bVerticalAxis) &&
          MirrorMono16(width, height, src1, dst1, bHorizontalAxis, bVerticalAxis) &&
          MirrorMono16(width, height, src2, dst2, bHorizontalAxis, bVerticalAxis);

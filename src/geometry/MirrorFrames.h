@@ -20,8 +20,9 @@ bool MirrorFrame(MirrorKernel<T> kernel, int bytes, uint32_t width, uint32_t hei
                  bool horizontalAxis, bool verticalAxis) {
   if (!horizontalAxis && !verticalAxis) return true;  // settled: dst is not written, not even as a copy
   platform::SetBlockTimeZero();
-  const IppiAxis axis = horizontalAxis && verticalAxis ? ippAxsBoth : horizontalAxis ? ippAxsHorizontal
-                                                                                     : ippAxsVertical;
+  const IppiAxis axis = horizontalAxis && verticalAxis ? ippAxsBoth
+                        : horizontalAxis               ? ippAxsHorizontal
+                                                       : ippAxsVertical;
   const uint64_t rowBytes = uint64_t(width) * uint32_t(bytes);
   if (rowBytes > INT_MAX || height > INT_MAX) return false;
   const int step = int(rowBytes);

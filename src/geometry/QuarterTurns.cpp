@@ -46,7 +46,8 @@ void TurnHalf(uint32_t w, uint32_t h, const void* src, void* dst, int bytes) {
   platform::SetBlockTimeZero();
   const mirror::ReverseRow reverse = mirror::MirrorRows().ForPixel(bytes);
   const size_t rowBytes = size_t(w) * bytes;
-  ForEachRow(h, false, [&](uint32_t y, uint32_t) { reverse(RowAt(src, rowBytes, h - 1 - y), RowAt(dst, rowBytes, y), w); });
+  ForEachRow(h, false,
+             [&](uint32_t y, uint32_t) { reverse(RowAt(src, rowBytes, h - 1 - y), RowAt(dst, rowBytes, y), w); });
 }
 
 }  // namespace kestrelink::geometry

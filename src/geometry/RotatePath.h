@@ -31,8 +31,7 @@ inline TurnPath ChooseTurnPath(uint32_t srcWidth, uint32_t srcHeight, uint32_t d
 }
 
 template <class T>
-using RotateKernel = IppStatus (*)(const T*, IppiSize, int, IppiRect, T*, int, IppiRect, double, double, double,
-                                   int);
+using RotateKernel = IppStatus (*)(const T*, IppiSize, int, IppiRect, T*, int, IppiRect, double, double, double, int);
 
 // The general road: interpolation 0 nearest, 1 bilinear, any other bicubic,
 // the smooth-edge flag or-ed in; the shifts that keep the centre fixed; the

@@ -8,8 +8,7 @@
 
 namespace kestrelink::mirror {
 
-IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, IppiSize size, IppiAxis flip,
-                       int bytes) {
+IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, IppiSize size, IppiAxis flip, int bytes) {
   if (!src || !dst) return ippStsNullPtrErr;
   if (const IppStatus s = prim::CheckSize(size, 1, 1)) return s;
   if (flip != ippAxsHorizontal && flip != ippAxsVertical && flip != ippAxsBoth) return ippStsMirrorFlipErr;
@@ -31,16 +30,13 @@ IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, Ipp
 
 using kestrelink::mirror::MirrorRegion;
 
-IppStatus ippiMirror_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip) {
+IppStatus ippiMirror_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip) {
   return MirrorRegion(pSrc, srcStep, pDst, dstStep, roiSize, flip, 1);
 }
-IppStatus ippiMirror_8u_C3R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip) {
+IppStatus ippiMirror_8u_C3R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip) {
   return MirrorRegion(pSrc, srcStep, pDst, dstStep, roiSize, flip, 3);
 }
-IppStatus ippiMirror_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip) {
+IppStatus ippiMirror_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip) {
   return MirrorRegion(pSrc, srcStep, pDst, dstStep, roiSize, flip, 4);
 }
 IppStatus ippiMirror_16u_C1R(const Ipp16u* pSrc, int srcStep, Ipp16u* pDst, int dstStep, IppiSize roiSize,

@@ -9,12 +9,9 @@
 // the calling thread.
 #include "primitives/GeometryTypes.h"
 
-IppStatus ippiMirror_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip);
-IppStatus ippiMirror_8u_C3R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip);
-IppStatus ippiMirror_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize,
-                            IppiAxis flip);
+IppStatus ippiMirror_8u_C1R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip);
+IppStatus ippiMirror_8u_C3R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip);
+IppStatus ippiMirror_8u_C4R(const Ipp8u* pSrc, int srcStep, Ipp8u* pDst, int dstStep, IppiSize roiSize, IppiAxis flip);
 IppStatus ippiMirror_16u_C1R(const Ipp16u* pSrc, int srcStep, Ipp16u* pDst, int dstStep, IppiSize roiSize,
                              IppiAxis flip);
 IppStatus ippiMirror_16u_C3R(const Ipp16u* pSrc, int srcStep, Ipp16u* pDst, int dstStep, IppiSize roiSize,
@@ -25,7 +22,6 @@ IppStatus ippiMirror_16u_C4R(const Ipp16u* pSrc, int srcStep, Ipp16u* pDst, int 
 namespace kestrelink::mirror {
 
 // The kernels' common body on pixels of `bytes` bytes (1, 2, 3, 4, 6, 8).
-IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, IppiSize size, IppiAxis flip,
-                       int bytes);
+IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, IppiSize size, IppiAxis flip, int bytes);
 
 }  // namespace kestrelink::mirror

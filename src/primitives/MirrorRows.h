@@ -20,13 +20,20 @@ struct MirrorRowKernels {
   // The kernel for pixels of `bytes` bytes (1, 2, 3, 4, 6 or 8), else null.
   ReverseRow ForPixel(int bytes) const {
     switch (bytes) {
-      case 1: return reverse1;
-      case 2: return reverse2;
-      case 3: return reverse3;
-      case 4: return reverse4;
-      case 6: return reverse6;
-      case 8: return reverse8;
-      default: return nullptr;
+      case 1:
+        return reverse1;
+      case 2:
+        return reverse2;
+      case 3:
+        return reverse3;
+      case 4:
+        return reverse4;
+      case 6:
+        return reverse6;
+      case 8:
+        return reverse8;
+      default:
+        return nullptr;
     }
   }
 };
@@ -35,8 +42,8 @@ extern const MirrorRowKernels kMirrorRowsPortable;
 extern const MirrorRowKernels kMirrorRowsAVX2;
 
 inline const MirrorRowKernels& MirrorRows() {
-  static const MirrorRowKernels* const slots[kVariantCount] = {&kMirrorRowsPortable, nullptr, nullptr,
-                                                               &kMirrorRowsAVX2, nullptr};
+  static const MirrorRowKernels* const slots[kVariantCount] = {&kMirrorRowsPortable, nullptr, nullptr, &kMirrorRowsAVX2,
+                                                               nullptr};
   return PickVariant(slots);
 }
 

@@ -30,9 +30,12 @@ using RowFn = void (*)(const Warp&, int, int, int, T*);
 template <class T, int C, int W, bool Smooth>
 RowFn<T, C, W> RowFor(Kind kind) {
   switch (kind) {
-    case Kind::kNearest: return RotateRow<T, C, W, Kind::kNearest, Smooth>;
-    case Kind::kLinear: return RotateRow<T, C, W, Kind::kLinear, Smooth>;
-    default: return RotateRow<T, C, W, Kind::kCubic, Smooth>;
+    case Kind::kNearest:
+      return RotateRow<T, C, W, Kind::kNearest, Smooth>;
+    case Kind::kLinear:
+      return RotateRow<T, C, W, Kind::kLinear, Smooth>;
+    default:
+      return RotateRow<T, C, W, Kind::kCubic, Smooth>;
   }
 }
 
@@ -51,16 +54,33 @@ IppStatus RotateRegion(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect sr
   const bool smooth = (interpolation & IPPI_SMOOTH_EDGE) != 0;
   Kind kind;
   switch (interpolation & ~IPPI_SMOOTH_EDGE) {
-    case IPPI_INTER_NN: kind = Kind::kNearest; break;
-    case IPPI_INTER_LINEAR: kind = Kind::kLinear; break;
-    case IPPI_INTER_CUBIC: kind = Kind::kCubic; break;
-    default: return ippStsInterpolationErr;
+    case IPPI_INTER_NN:
+      kind = Kind::kNearest;
+      break;
+    case IPPI_INTER_LINEAR:
+      kind = Kind::kLinear;
+      break;
+    case IPPI_INTER_CUBIC:
+      kind = Kind::kCubic;
+      break;
+    default:
+      return ippStsInterpolationErr;
   }
   double c, s;
   TurnCosSin(angle, c, s);
   // u = c (X - xShift) + s (Y - yShift),  v = -s (X - xShift) + c (Y - yShift).
-  const Warp w{reinterpret_cast<const uint8_t*>(pSrc), srcStep, int(x0), int(y0), int(x1), int(y1),
-               c, s, -c * xShift - s * yShift, -s, c, s * xShift - c * yShift};
+  const Warp w{reinterpret_cast<const uint8_t*>(pSrc),
+               srcStep,
+               int(x0),
+               int(y0),
+               int(x1),
+               int(y1),
+               c,
+               s,
+               -c * xShift - s * yShift,
+               -s,
+               c,
+               s * xShift - c * yShift};
   // A turn that is not a number covers nothing.
   for (double k : {w.ux, w.uy, w.u0, w.vx, w.vy, w.v0})
     if (!std::isfinite(k)) return ippStsNoErr;
@@ -97,15 +117,13 @@ IppStatus ippiGetRotateShift(double xCenter, double yCenter, double angle, doubl
   return ippStsNoErr;
 }
 
-IppStatus ippiRotate_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst,
-                            int dstStep, IppiRect dstROI, double angle, double xShift, double yShift,
-                            int interpolation) {
+IppStatus ippiRotate_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst, int dstStep,
+                            IppiRect dstROI, double angle, double xShift, double yShift, int interpolation) {
   return RotateRegion<Ipp8u, 1, 1>(pSrc, srcSize, srcStep, srcROI, pDst, dstStep, dstROI, angle, xShift, yShift,
                                    interpolation);
 }
-IppStatus ippiRotate_8u_C3R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst,
-                            int dstStep, IppiRect dstROI, double angle, double xShift, double yShift,
-                            int interpolation) {
+IppStatus ippiRotate_8u_C3R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst, int dstStep,
+                            IppiRect dstROI, double angle, double xShift, double yShift, int interpolation) {
   return RotateRegion<Ipp8u, 3, 3>(pSrc, srcSize, srcStep, srcROI, pDst, dstStep, dstROI, angle, xShift, yShift,
                                    interpolation);
 }

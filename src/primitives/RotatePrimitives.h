@@ -31,12 +31,10 @@
 // The shifts that keep (xCenter, yCenter) where it is under a turn by `angle`.
 IppStatus ippiGetRotateShift(double xCenter, double yCenter, double angle, double* xShift, double* yShift);
 
-IppStatus ippiRotate_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst,
-                            int dstStep, IppiRect dstROI, double angle, double xShift, double yShift,
-                            int interpolation);
-IppStatus ippiRotate_8u_C3R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst,
-                            int dstStep, IppiRect dstROI, double angle, double xShift, double yShift,
-                            int interpolation);
+IppStatus ippiRotate_8u_C1R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst, int dstStep,
+                            IppiRect dstROI, double angle, double xShift, double yShift, int interpolation);
+IppStatus ippiRotate_8u_C3R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst, int dstStep,
+                            IppiRect dstROI, double angle, double xShift, double yShift, int interpolation);
 IppStatus ippiRotate_8u_AC4R(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, IppiRect srcROI, Ipp8u* pDst,
                              int dstStep, IppiRect dstROI, double angle, double xShift, double yShift,
                              int interpolation);

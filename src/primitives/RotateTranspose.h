@@ -14,8 +14,8 @@ namespace kestrelink::rotate {
 
 // dst pixel (row j, column i) = src pixel (row i, column j) for i < rows and
 // j < cols. Steps are in bytes, of either sign; the regions must not overlap.
-using TransposeRegion = void (*)(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep,
-                                 uint32_t cols, uint32_t rows);
+using TransposeRegion = void (*)(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, uint32_t cols,
+                                 uint32_t rows);
 
 struct TransposeKernels {
   TransposeRegion transpose1, transpose2, transpose3, transpose4, transpose6, transpose8;
@@ -23,13 +23,20 @@ struct TransposeKernels {
   // The kernel for pixels of `bytes` bytes (1, 2, 3, 4, 6 or 8), else null.
   TransposeRegion ForPixel(int bytes) const {
     switch (bytes) {
-      case 1: return transpose1;
-      case 2: return transpose2;
-      case 3: return transpose3;
-      case 4: return transpose4;
-      case 6: return transpose6;
-      case 8: return transpose8;
-      default: return nullptr;
+      case 1:
+        return transpose1;
+      case 2:
+        return transpose2;
+      case 3:
+        return transpose3;
+      case 4:
+        return transpose4;
+      case 6:
+        return transpose6;
+      case 8:
+        return transpose8;
+      default:
+        return nullptr;
     }
   }
 };
@@ -38,8 +45,8 @@ extern const TransposeKernels kTransposePortable;
 extern const TransposeKernels kTransposeSSE2;
 
 inline const TransposeKernels& Transposes() {
-  static const TransposeKernels* const slots[kVariantCount] = {&kTransposePortable, &kTransposeSSE2, nullptr,
-                                                               nullptr, nullptr};
+  static const TransposeKernels* const slots[kVariantCount] = {&kTransposePortable, &kTransposeSSE2, nullptr, nullptr,
+                                                               nullptr};
   return PickVariant(slots);
 }
 

@@ -36,7 +36,8 @@ struct RegisterBlock {
   static constexpr uint32_t kSide = 16 / Bytes;
   static void Move(const uint8_t* s, ptrdiff_t ss, uint8_t* d, ptrdiff_t ds) {
     __m128i r[kSide], t[kSide];
-    for (uint32_t k = 0; k < kSide; ++k) r[k] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + ptrdiff_t(k) * ss));
+    for (uint32_t k = 0; k < kSide; ++k)
+      r[k] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + ptrdiff_t(k) * ss));
     for (uint32_t round = 1; round < kSide; round *= 2) {
       for (uint32_t k = 0; k < kSide / 2; ++k) {
         t[2 * k] = Low<Bytes>(r[k], r[k + kSide / 2]);

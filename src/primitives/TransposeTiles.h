@@ -13,7 +13,9 @@
 // (48 bytes for the three- and six-byte pixels), and a multiple of every
 // block side. Larger tiles lose to the caches' associativity: frame rows a
 // few KiB apart share a handful of sets.
-constexpr uint32_t TileSide(int bytes) { return bytes == 1 ? 64 : bytes == 2 ? 32 : bytes == 3 ? 32 : bytes == 4 ? 16 : 8; }
+constexpr uint32_t TileSide(int bytes) {
+  return bytes == 1 ? 64 : bytes == 2 ? 32 : bytes == 3 ? 32 : bytes == 4 ? 16 : 8;
+}
 
 template <int Bytes>
 inline void MovePixel(const uint8_t* s, uint8_t* d) {

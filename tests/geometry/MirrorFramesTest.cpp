@@ -17,12 +17,10 @@ struct MemberRow {
   Member member;
   int bytes;
 };
-const MemberRow kMembers[] = {{"MirrorMono8", &CIppImageMirror::MirrorMono8, 1},
-                              {"MirrorMono16", &CIppImageMirror::MirrorMono16, 2},
-                              {"MirrorBGR24", &CIppImageMirror::MirrorBGR24, 3},
-                              {"MirrorBGRx", &CIppImageMirror::MirrorBGRx, 4},
-                              {"MirrorBGR48", &CIppImageMirror::MirrorBGR48, 6},
-                              {"MirrorBGR64", &CIppImageMirror::MirrorBGR64, 8}};
+const MemberRow kMembers[] = {
+    {"MirrorMono8", &CIppImageMirror::MirrorMono8, 1}, {"MirrorMono16", &CIppImageMirror::MirrorMono16, 2},
+    {"MirrorBGR24", &CIppImageMirror::MirrorBGR24, 3}, {"MirrorBGRx", &CIppImageMirror::MirrorBGRx, 4},
+    {"MirrorBGR48", &CIppImageMirror::MirrorBGR48, 6}, {"MirrorBGR64", &CIppImageMirror::MirrorBGR64, 8}};
 
 // Horizontal axis: rows top to bottom; vertical axis: columns left to right.
 Frame Reference(const Frame& src, bool horizontal, bool vertical) {

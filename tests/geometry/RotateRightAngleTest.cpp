@@ -11,26 +11,48 @@ namespace {
 
 using geometrytest::Frame;
 
+// The arguments of one call at centre (0, 0), nearest, no smooth edge.
+struct Call {
+  uint32_t sw, sh;
+  void* s;
+  uint32_t dw, dh;
+  void* d;
+  double angle;
+};
+
 // One public form, with the 16-bit forms' unused argument filled in.
 struct Form {
   const char* name;
   int bytes;
-  bool (*call)(CIppImageRotate&, uint32_t, uint32_t, void*, uint32_t, uint32_t, void*, double);
+  bool (*run)(CIppImageRotate&, const Call&);
+  bool call(CIppImageRotate& r, uint32_t sw, uint32_t sh, void* s, uint32_t dw, uint32_t dh, void* d,
+            double angle) const {
+    return run(r, Call{sw, sh, s, dw, dh, d, angle});
+  }
 };
-
-#define KESTRELINK_FORM8(NAME, BYTES)                                                                    \
-  Form {                                                                                                 \
-    #NAME, BYTES, [](CIppImageRotate& r, uint32_t sw, uint32_t sh, void* s, uint32_t dw, uint32_t dh, void* d, \
-                     double a) { return r.NAME(sw, sh, s, dw, dh, d, 0, 0, a, 0, false); }               \
-  }
-#define KESTRELINK_FORM16(NAME, BYTES)                                                                   \
-  Form {                                                                                                 \
-    #NAME, BYTES, [](CIppImageRotate& r, uint32_t sw, uint32_t sh, void* s, uint32_t dw, uint32_t dh, void* d, \
-                     double a) { return r.NAME(sw, sh, s, dw, dh, d, 12345, 0, 0, a, 0, false); }        \
-  }
-const Form kForms[] = {KESTRELINK_FORM8(Mono8Rotate, 1),   KESTRELINK_FORM16(Mono16Rotate, 2),
-                       KESTRELINK_FORM8(BGR8Rotate, 3),    KESTRELINK_FORM8(BGRx8Rotate, 4),
-                       KESTRELINK_FORM16(BGR16Rotate, 6),  KESTRELINK_FORM16(BGRx16Rotate, 8)};
+const Form kForms[] = {{"Mono8Rotate", 1,
+                        [](CIppImageRotate& r, const Call& c) {
+                          return r.Mono8Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 0, 0, c.angle, 0, false);
+                        }},
+                       {"Mono16Rotate", 2,
+                        [](CIppImageRotate& r, const Call& c) {
+                          return r.Mono16Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 12345, 0, 0, c.angle, 0, false);
+                        }},
+                       {"BGR8Rotate", 3,
+                        [](CIppImageRotate& r, const Call& c) {
+                          return r.BGR8Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 0, 0, c.angle, 0, false);
+                        }},
+                       {"BGRx8Rotate", 4,
+                        [](CIppImageRotate& r, const Call& c) {
+                          return r.BGRx8Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 0, 0, c.angle, 0, false);
+                        }},
+                       {"BGR16Rotate", 6,
+                        [](CIppImageRotate& r, const Call& c) {
+                          return r.BGR16Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 12345, 0, 0, c.angle, 0, false);
+                        }},
+                       {"BGRx16Rotate", 8, [](CIppImageRotate& r, const Call& c) {
+                          return r.BGRx16Rotate(c.sw, c.sh, c.s, c.dw, c.dh, c.d, 12345, 0, 0, c.angle, 0, false);
+                        }}};
 
 constexpr uint8_t kUntouched = 0xEE;
 

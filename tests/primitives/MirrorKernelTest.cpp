@@ -13,9 +13,8 @@ TEST(MirrorKernel, AxesReverseRowsColumnsOrBoth) {
     IppiAxis axis;
     Ipp8u want[6];
   };
-  const Row rows[] = {{ippAxsHorizontal, {4, 5, 6, 1, 2, 3}},
-                      {ippAxsVertical, {3, 2, 1, 6, 5, 4}},
-                      {ippAxsBoth, {6, 5, 4, 3, 2, 1}}};
+  const Row rows[] = {
+      {ippAxsHorizontal, {4, 5, 6, 1, 2, 3}}, {ippAxsVertical, {3, 2, 1, 6, 5, 4}}, {ippAxsBoth, {6, 5, 4, 3, 2, 1}}};
   for (const Row& r : rows) {
     Ipp8u dst[6] = {};
     ASSERT_EQ(ippiMirror_8u_C1R(src, 3, dst, 3, {3, 2}, r.axis), ippStsNoErr);

@@ -16,15 +16,14 @@ constexpr int kPixelSizes[] = {1, 2, 3, 4, 6, 8};
 constexpr uint8_t kGuard = 0xC3;
 
 const kestrelink::mirror::MirrorRowKernels* MirrorTable(kestrelink::CpuVariant v) {
-  const kestrelink::mirror::MirrorRowKernels* tables[] = {&kestrelink::mirror::kMirrorRowsPortable, nullptr,
-                                                          nullptr, &kestrelink::mirror::kMirrorRowsAVX2, nullptr};
+  const kestrelink::mirror::MirrorRowKernels* tables[] = {&kestrelink::mirror::kMirrorRowsPortable, nullptr, nullptr,
+                                                          &kestrelink::mirror::kMirrorRowsAVX2, nullptr};
   return tables[v];
 }
 
 const kestrelink::rotate::TransposeKernels* TransposeTable(kestrelink::CpuVariant v) {
-  const kestrelink::rotate::TransposeKernels* tables[] = {&kestrelink::rotate::kTransposePortable,
-                                                          &kestrelink::rotate::kTransposeSSE2, nullptr, nullptr,
-                                                          nullptr};
+  const kestrelink::rotate::TransposeKernels* tables[] = {
+      &kestrelink::rotate::kTransposePortable, &kestrelink::rotate::kTransposeSSE2, nullptr, nullptr, nullptr};
   return tables[v];
 }
 

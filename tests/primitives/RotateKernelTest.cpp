@@ -27,9 +27,9 @@ std::vector<T> TurnAboutCentre(Kernel kernel, const std::vector<T>& src, int w, 
   EXPECT_EQ(ippiGetRotateShift(w / 2, h / 2, angle, &xs, &ys), ippStsNoErr);
   std::vector<T> dst(src.size(), fill);
   const int step = int(w * c * sizeof(T));
-  EXPECT_EQ(kernel(src.data(), {w, h}, step, {0, 0, w, h}, dst.data(), step, {0, 0, w, h}, angle, xs, ys,
-                   interpolation),
-            ippStsNoErr);
+  EXPECT_EQ(
+      kernel(src.data(), {w, h}, step, {0, 0, w, h}, dst.data(), step, {0, 0, w, h}, angle, xs, ys, interpolation),
+      ippStsNoErr);
   return dst;
 }
 
@@ -60,15 +60,45 @@ TEST(RotateKernel, BadCallsAnswerTheirStatusAndTouchNothing) {
       {"null source", nullptr, dst.data(), {4, 4}, {0, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_NN, ippStsNullPtrErr},
       {"null destination", src.data(), nullptr, {4, 4}, {0, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_NN, ippStsNullPtrErr},
       {"empty source", src.data(), dst.data(), {0, 4}, {0, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_NN, ippStsSizeErr},
-      {"empty destination region", src.data(), dst.data(), {4, 4}, {0, 0, 4, 4}, {0, 0, 4, 0}, IPPI_INTER_NN,
+      {"empty destination region",
+       src.data(),
+       dst.data(),
+       {4, 4},
+       {0, 0, 4, 4},
+       {0, 0, 4, 0},
+       IPPI_INTER_NN,
        ippStsSizeErr},
-      {"negative destination corner", src.data(), dst.data(), {4, 4}, {0, 0, 4, 4}, {-1, 0, 4, 4}, IPPI_INTER_NN,
+      {"negative destination corner",
+       src.data(),
+       dst.data(),
+       {4, 4},
+       {0, 0, 4, 4},
+       {-1, 0, 4, 4},
+       IPPI_INTER_NN,
        ippStsSizeErr},
-      {"source region off the image", src.data(), dst.data(), {4, 4}, {4, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_NN,
+      {"source region off the image",
+       src.data(),
+       dst.data(),
+       {4, 4},
+       {4, 0, 4, 4},
+       {0, 0, 4, 4},
+       IPPI_INTER_NN,
        ippStsWrongIntersectROI},
-      {"supersampling", src.data(), dst.data(), {4, 4}, {0, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_SUPER,
+      {"supersampling",
+       src.data(),
+       dst.data(),
+       {4, 4},
+       {0, 0, 4, 4},
+       {0, 0, 4, 4},
+       IPPI_INTER_SUPER,
        ippStsInterpolationErr},
-      {"Lanczos", src.data(), dst.data(), {4, 4}, {0, 0, 4, 4}, {0, 0, 4, 4}, IPPI_INTER_LANCZOS | IPPI_SMOOTH_EDGE,
+      {"Lanczos",
+       src.data(),
+       dst.data(),
+       {4, 4},
+       {0, 0, 4, 4},
+       {0, 0, 4, 4},
+       IPPI_INTER_LANCZOS | IPPI_SMOOTH_EDGE,
        ippStsInterpolationErr}};
   for (const Row& r : rows) {
     EXPECT_EQ(ippiRotate_8u_C1R(r.s, r.size, 4, r.srcRoi, r.d, 4, r.dstRoi, 30.0, 1.0, 1.0, r.interpolation), r.want)
@@ -169,8 +199,8 @@ TEST(RotateKernel, SmoothEdgeBlendsTheBorderByCoverage) {
   for (bool smooth : {false, true}) {
     std::vector<Ipp8u> dst(size_t(w + 1) * h, 0);
     const int kind = IPPI_INTER_LINEAR | (smooth ? IPPI_SMOOTH_EDGE : 0);
-    ASSERT_EQ(ippiRotate_8u_C1R(src.data(), {w, h}, w, {0, 0, w, h}, dst.data(), w + 1, {0, 0, w + 1, h}, 0.0, 0.5,
-                                0.0, kind),
+    ASSERT_EQ(ippiRotate_8u_C1R(src.data(), {w, h}, w, {0, 0, w, h}, dst.data(), w + 1, {0, 0, w + 1, h}, 0.0, 0.5, 0.0,
+                                kind),
               ippStsNoErr);
     for (int y = 0; y < h; ++y) {
       const Ipp8u* row = dst.data() + size_t(y) * (w + 1);
@@ -201,10 +231,14 @@ namespace {
 double CubicTap(double t, int k) {
   const double t2 = t * t, t3 = t2 * t;
   switch (k) {
-    case 0: return -0.5 * t3 + t2 - 0.5 * t;
-    case 1: return 1.5 * t3 - 2.5 * t2 + 1.0;
-    case 2: return -1.5 * t3 + 2.0 * t2 + 0.5 * t;
-    default: return 0.5 * t3 - 0.5 * t2;
+    case 0:
+      return -0.5 * t3 + t2 - 0.5 * t;
+    case 1:
+      return 1.5 * t3 - 2.5 * t2 + 1.0;
+    case 2:
+      return -1.5 * t3 + 2.0 * t2 + 0.5 * t;
+    default:
+      return 0.5 * t3 - 0.5 * t2;
   }
 }
 
@@ -220,8 +254,7 @@ TEST(RotateKernel, MatchesADoublePrecisionReferenceWithinOneLevel) {
   };
   for (int kind : kKinds) {
     std::vector<Ipp8u> dst(size_t(n), 0);
-    ASSERT_EQ(ippiRotate_8u_C1R(src.data(), {w, h}, w, {0, 0, w, h}, dst.data(), w, {0, 0, w, h}, angle, xs, ys,
-                                kind),
+    ASSERT_EQ(ippiRotate_8u_C1R(src.data(), {w, h}, w, {0, 0, w, h}, dst.data(), w, {0, 0, w, h}, angle, xs, ys, kind),
               ippStsNoErr);
     int worst = 0, covered = 0;
     for (int Y = 0; Y < h; ++Y)

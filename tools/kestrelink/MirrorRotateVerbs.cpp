@@ -26,11 +26,10 @@ constexpr int64_t kMaxCentre = 1 << 20;
 // The layouts the two verbs take.
 const Layout& GeometryLayout(std::string_view name) {
   const Layout* layout = FindLayout(name);
-  const bool taken = layout && (layout->id == LayoutId::Mono8 || layout->id == LayoutId::Mono16 ||
-                                layout->id == LayoutId::Bgr24 || layout->id == LayoutId::Bgr48 ||
-                                layout->id == LayoutId::Bgrx || layout->id == LayoutId::Bgr64);
-  if (!taken)
-    throw UsageError("--layout '" + std::string(name) + "' is not one that turns (" + kGeometryLayouts + ")");
+  const bool taken =
+      layout && (layout->id == LayoutId::Mono8 || layout->id == LayoutId::Mono16 || layout->id == LayoutId::Bgr24 ||
+                 layout->id == LayoutId::Bgr48 || layout->id == LayoutId::Bgrx || layout->id == LayoutId::Bgr64);
+  if (!taken) throw UsageError("--layout '" + std::string(name) + "' is not one that turns (" + kGeometryLayouts + ")");
   return *layout;
 }
 
@@ -42,11 +41,11 @@ struct Common {
 };
 
 // The options both verbs share, then their own; IN and OUT.
-bool ParseCommon(std::span<const std::string_view> args, std::vector<OptionSpec> options, Common& c,
-                 const char* verb) {
+bool ParseCommon(std::span<const std::string_view> args, std::vector<OptionSpec> options, Common& c, const char* verb) {
   options.push_back({"--layout", "LAYOUT", [&](std::string_view v) { c.layout = &GeometryLayout(v); }});
   options.push_back({"--size", "WxH", [&](std::string_view v) { c.size = ParseSize("--size", v); }});
-  options.push_back({"--depth", "D", [&](std::string_view v) { c.depth = uint32_t(ParseInteger("--depth", v, 8, 16)); }});
+  options.push_back(
+      {"--depth", "D", [&](std::string_view v) { c.depth = uint32_t(ParseInteger("--depth", v, 8, 16)); }});
   std::vector<std::string_view> files;
   if (!ParseOptions(args, options, files)) return false;
   if (!c.layout) throw UsageError(std::string("missing --layout LAYOUT (") + kGeometryLayouts + ")");
@@ -62,9 +61,9 @@ bool ParseCommon(std::span<const std::string_view> args, std::vector<OptionSpec>
 
 std::vector<uint8_t> ReadSource(const Common& c) {
   const uint32_t w = c.size->width, h = c.size->height;
-  return ReadFrameFile(c.in, FrameBytes(*c.layout, w, h),
-                       "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(c.layout->name) +
-                           " frame");
+  return ReadFrameFile(
+      c.in, FrameBytes(*c.layout, w, h),
+      "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(c.layout->name) + " frame");
 }
 
 void WriteOut(const Common& c, uint32_t w, uint32_t h, const std::vector<uint8_t>& frame) {
@@ -124,13 +123,26 @@ TurnedFrame RotateFrame(LayoutId layout, const FrameSize& size, std::vector<uint
   void* d = t.bytes.data();
   bool ok = false;
   switch (layout) {
-    case LayoutId::Mono8: ok = rotate.Mono8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    case LayoutId::Mono16: ok = rotate.Mono16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    case LayoutId::Bgr24: ok = rotate.BGR8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    case LayoutId::Bgr48: ok = rotate.BGR16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    case LayoutId::Bgrx: ok = rotate.BGRx8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    case LayoutId::Bgr64: ok = rotate.BGRx16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth); break;
-    default: break;
+    case LayoutId::Mono8:
+      ok = rotate.Mono8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    case LayoutId::Mono16:
+      ok = rotate.Mono16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    case LayoutId::Bgr24:
+      ok = rotate.BGR8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    case LayoutId::Bgr48:
+      ok = rotate.BGR16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    case LayoutId::Bgrx:
+      ok = rotate.BGRx8Rotate(w, h, s, t.width, t.height, d, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    case LayoutId::Bgr64:
+      ok = rotate.BGRx16Rotate(w, h, s, t.width, t.height, d, 0, cx, cy, r.angle, r.interpolation, r.smooth);
+      break;
+    default:
+      break;
   }
   if (!ok) throw RunError("the library refused the rotation");
   return t;
@@ -154,13 +166,26 @@ std::vector<uint8_t> MirrorFrame(LayoutId layout, const FrameSize& size, std::ve
   void* d = out.data();
   bool ok = false;
   switch (layout) {
-    case LayoutId::Mono8: ok = mirror.MirrorMono8(w, h, s, d, horizontalAxis, verticalAxis); break;
-    case LayoutId::Mono16: ok = mirror.MirrorMono16(w, h, s, d, horizontalAxis, verticalAxis); break;
-    case LayoutId::Bgr24: ok = mirror.MirrorBGR24(w, h, s, d, horizontalAxis, verticalAxis); break;
-    case LayoutId::Bgr48: ok = mirror.MirrorBGR48(w, h, s, d, horizontalAxis, verticalAxis); break;
-    case LayoutId::Bgrx: ok = mirror.MirrorBGRx(w, h, s, d, horizontalAxis, verticalAxis); break;
-    case LayoutId::Bgr64: ok = mirror.MirrorBGR64(w, h, s, d, horizontalAxis, verticalAxis); break;
-    default: break;
+    case LayoutId::Mono8:
+      ok = mirror.MirrorMono8(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    case LayoutId::Mono16:
+      ok = mirror.MirrorMono16(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    case LayoutId::Bgr24:
+      ok = mirror.MirrorBGR24(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    case LayoutId::Bgr48:
+      ok = mirror.MirrorBGR48(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    case LayoutId::Bgrx:
+      ok = mirror.MirrorBGRx(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    case LayoutId::Bgr64:
+      ok = mirror.MirrorBGR64(w, h, s, d, horizontalAxis, verticalAxis);
+      break;
+    default:
+      break;
   }
   if (!ok) throw RunError("the library refused the mirror");
   return out;
@@ -187,7 +212,8 @@ void PrintRotateUsage(std::ostream& out) {
   out << "\n"
          "example:\n"
          "  kestrelink rotate --angle 90 --size 1920x1080 --layout bgr24 frame.raw turned.png\n"
-         "  kestrelink rotate --angle 12.5 --interp cubic --smooth --size 1920x1080 --layout mono8 frame.raw tilted.png\n";
+         "  kestrelink rotate --angle 12.5 --interp cubic --smooth --size 1920x1080 --layout mono8 frame.raw "
+         "tilted.png\n";
 }
 
 int RunRotate(std::span<const std::string_view> args) {
@@ -246,10 +272,14 @@ int RunMirror(std::span<const std::string_view> args) {
   Common c;
   std::optional<std::pair<bool, bool>> axes;
   std::vector<OptionSpec> options = {{"--axis", "AXIS", [&](std::string_view v) {
-                                        if (v == "h") axes = {true, false};
-                                        else if (v == "v") axes = {false, true};
-                                        else if (v == "both") axes = {true, true};
-                                        else throw UsageError("--axis wants h, v or both, not '" + std::string(v) + "'");
+                                        if (v == "h")
+                                          axes = {true, false};
+                                        else if (v == "v")
+                                          axes = {false, true};
+                                        else if (v == "both")
+                                          axes = {true, true};
+                                        else
+                                          throw UsageError("--axis wants h, v or both, not '" + std::string(v) + "'");
                                       }}};
   if (!ParseCommon(args, std::move(options), c, "mirror")) {
     PrintMirrorUsage(std::cout);

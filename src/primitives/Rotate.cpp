@@ -69,6 +69,8 @@ IppStatus RotateRegion(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect sr
   double c, s;
   TurnCosSin(angle, c, s);
   // u = c (X - xShift) + s (Y - yShift),  v = -s (X - xShift) + c (Y - yShift).
+  // Vector runs gather at 32-bit byte offsets from the image's first row.
+  const bool wordOffsets = srcStep > 0 && int64_t(y1) * srcStep + int64_t(x1) * C * int64_t(sizeof(T)) < INT32_MAX;
   const Warp w{reinterpret_cast<const uint8_t*>(pSrc),
                srcStep,
                int(x0),
@@ -80,7 +82,8 @@ IppStatus RotateRegion(const T* pSrc, IppiSize srcSize, int srcStep, IppiRect sr
                -c * xShift - s * yShift,
                -s,
                c,
-               s * xShift - c * yShift};
+               s * xShift - c * yShift,
+               wordOffsets ? &RotateRuns() : &kRotateRunsPortable};
   // A turn that is not a number covers nothing.
   for (double k : {w.ux, w.uy, w.u0, w.vx, w.vy, w.v0})
     if (!std::isfinite(k)) return ippStsNoErr;

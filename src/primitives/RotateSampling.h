@@ -8,17 +8,9 @@
 #include <cstdint>
 #include <limits>
 
-namespace kestrelink::rotate {
+#include "primitives/RotateRuns.h"
 
-// One call's geometry: source region [x0, x1) x [y0, y1) (inside the image),
-// and the source point of destination pixel (X, Y):
-//   u = ux * X + uy * Y + u0,   v = vx * X + vy * Y + v0.
-struct Warp {
-  const uint8_t* src;
-  ptrdiff_t srcStep;
-  int x0, y0, x1, y1;
-  double ux, uy, u0, vx, vy, v0;
-};
+namespace kestrelink::rotate {
 
 enum class Kind { kNearest, kLinear, kCubic };
 
@@ -181,6 +173,18 @@ inline void RotatePixel(const Source<T, C>& s, const Warp& w, double u, double v
   }
 }
 
+// The interior run of a pixel type and kind, where a table has one.
+template <class T, int C, int W, Kind K>
+inline InteriorRun RunFor(const RotateRunKernels& k) {
+  if constexpr (sizeof(T) == 1 && C == 1 && K == Kind::kNearest) return k.nearest8c1;
+  if constexpr (sizeof(T) == 1 && C == 1 && K == Kind::kLinear) return k.linear8c1;
+  if constexpr (sizeof(T) == 1 && C == 4 && W == 3 && K == Kind::kNearest) return k.nearest8ac4;
+  if constexpr (sizeof(T) == 1 && C == 4 && W == 3 && K == Kind::kLinear) return k.linear8ac4;
+  if constexpr (sizeof(T) == 2 && C == 1 && K == Kind::kNearest) return k.nearest16c1;
+  if constexpr (sizeof(T) == 2 && C == 1 && K == Kind::kLinear) return k.linear16c1;
+  return nullptr;
+}
+
 // Destination row Y, pixels [dx0, dx1) at `row` (pixel dx0 first): the
 // interior run without clamps or tests, the pixels around it one by one.
 template <class T, int C, int W, Kind K, bool Smooth>
@@ -192,6 +196,19 @@ void RotateRow(const Warp& w, int Y, int dx0, int dx1, T* row) {
   InteriorSpan<K>(w, uRow, vRow, first, last, a, b);
   for (int X = first; X < a; ++X)
     RotatePixel<T, C, W, K, Smooth, false>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
+  if constexpr (!Smooth) {
+    if (const InteriorRun run = RunFor<T, C, W, K>(*w.runs); run && w.runs != &kRotateRunsPortable) {
+      // The part of the run whose taps have a source row below them.
+      Warp above = w;
+      --above.y1;
+      int ra, rb;
+      InteriorSpan<K>(above, uRow, vRow, a, b, ra, rb);
+      for (int X = a; X < ra; ++X)
+        RotatePixel<T, C, W, K, false, true>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
+      if (rb > ra) run(w, uRow, vRow, ra, rb, row + ptrdiff_t(ra - dx0) * C);
+      a = std::max(ra, rb);
+    }
+  }
   for (int X = a; X < b; ++X)
     RotatePixel<T, C, W, K, Smooth, true>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
   for (int X = b; X < last; ++X)

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "primitives/PixelSizes.h"
 #include "primitives/Variant.h"
 
 namespace kestrelink::mirror {
@@ -15,26 +16,12 @@ namespace kestrelink::mirror {
 using ReverseRow = void (*)(const uint8_t* src, uint8_t* dst, uint32_t n);
 
 struct MirrorRowKernels {
-  ReverseRow reverse1, reverse2, reverse3, reverse4, reverse6, reverse8;
+  ReverseRow bySize[prim::kPixelSizeCount];  // 1, 2, 3, 4, 6 and 8 bytes a pixel
 
   // The kernel for pixels of `bytes` bytes (1, 2, 3, 4, 6 or 8), else null.
   ReverseRow ForPixel(int bytes) const {
-    switch (bytes) {
-      case 1:
-        return reverse1;
-      case 2:
-        return reverse2;
-      case 3:
-        return reverse3;
-      case 4:
-        return reverse4;
-      case 6:
-        return reverse6;
-      case 8:
-        return reverse8;
-      default:
-        return nullptr;
-    }
+    const int slot = prim::PixelSizeSlot(bytes);
+    return slot < 0 ? nullptr : bySize[slot];
   }
 };
 

@@ -87,43 +87,40 @@ void Tail(const Warp& w, double uRow, double vRow, int a, int b, T* d) {
   for (int X = a; X < b; ++X, d += C) RotatePixel<T, C, W, K, false, true>(s, w, w.ux * X + uRow, w.vx * X + vRow, d);
 }
 
+// The words at the nearest taps of pixels X .. X+7, pixels of `bytes` bytes.
+inline __m256i NearestWords(const Warp& w, double uRow, double vRow, int X, int bytes) {
+  const __m256d half = _mm256_set1_pd(0.5);
+  const Points p = PointsAt(w, uRow, vRow, X);
+  const __m256i x = Truncate(_mm256_add_pd(p.u0, half), _mm256_add_pd(p.u1, half));
+  const __m256i y = Truncate(_mm256_add_pd(p.v0, half), _mm256_add_pd(p.v1, half));
+  return Gather(w, Offsets(w, x, y, bytes));
+}
+
 void Nearest8C1(const Warp& w, double uRow, double vRow, int a, int b, void* dst) {
   auto* d = static_cast<uint8_t*>(dst);
-  const __m256d half = _mm256_set1_pd(0.5);
   int X = a;
   for (; X + 8 <= b; X += 8, d += 8) {
-    const Points p = PointsAt(w, uRow, vRow, X);
-    const __m256i x = Truncate(_mm256_add_pd(p.u0, half), _mm256_add_pd(p.u1, half));
-    const __m256i y = Truncate(_mm256_add_pd(p.v0, half), _mm256_add_pd(p.v1, half));
-    StoreLowBytes(d, _mm256_and_si256(Gather(w, Offsets(w, x, y, 1)), _mm256_set1_epi32(0xFF)));
+    StoreLowBytes(d, _mm256_and_si256(NearestWords(w, uRow, vRow, X, 1), _mm256_set1_epi32(0xFF)));
   }
   Tail<uint8_t, 1, 1, Kind::kNearest>(w, uRow, vRow, X, b, d);
 }
 
 void Nearest16C1(const Warp& w, double uRow, double vRow, int a, int b, void* dst) {
   auto* d = static_cast<uint16_t*>(dst);
-  const __m256d half = _mm256_set1_pd(0.5);
   int X = a;
   for (; X + 8 <= b; X += 8, d += 8) {
-    const Points p = PointsAt(w, uRow, vRow, X);
-    const __m256i x = Truncate(_mm256_add_pd(p.u0, half), _mm256_add_pd(p.u1, half));
-    const __m256i y = Truncate(_mm256_add_pd(p.v0, half), _mm256_add_pd(p.v1, half));
-    StoreLowWords(d, _mm256_and_si256(Gather(w, Offsets(w, x, y, 2)), _mm256_set1_epi32(0xFFFF)));
+    StoreLowWords(d, _mm256_and_si256(NearestWords(w, uRow, vRow, X, 2), _mm256_set1_epi32(0xFFFF)));
   }
   Tail<uint16_t, 1, 1, Kind::kNearest>(w, uRow, vRow, X, b, d);
 }
 
 void Nearest8AC4(const Warp& w, double uRow, double vRow, int a, int b, void* dst) {
   auto* d = static_cast<uint8_t*>(dst);
-  const __m256d half = _mm256_set1_pd(0.5);
   const __m256i keep = _mm256_set1_epi32(int(0xFF000000u));  // the fourth sample stays
   int X = a;
   for (; X + 8 <= b; X += 8, d += 32) {
-    const Points p = PointsAt(w, uRow, vRow, X);
-    const __m256i x = Truncate(_mm256_add_pd(p.u0, half), _mm256_add_pd(p.u1, half));
-    const __m256i y = Truncate(_mm256_add_pd(p.v0, half), _mm256_add_pd(p.v1, half));
     const __m256i old = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(d));
-    const __m256i px = _mm256_blendv_epi8(Gather(w, Offsets(w, x, y, 4)), old, keep);
+    const __m256i px = _mm256_blendv_epi8(NearestWords(w, uRow, vRow, X, 4), old, keep);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), px);
   }
   Tail<uint8_t, 4, 3, Kind::kNearest>(w, uRow, vRow, X, b, d);

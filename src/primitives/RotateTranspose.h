@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "primitives/PixelSizes.h"
 #include "primitives/Variant.h"
 
 namespace kestrelink::rotate {
@@ -18,26 +19,12 @@ using TransposeRegion = void (*)(const uint8_t* src, ptrdiff_t srcStep, uint8_t*
                                  uint32_t rows);
 
 struct TransposeKernels {
-  TransposeRegion transpose1, transpose2, transpose3, transpose4, transpose6, transpose8;
+  TransposeRegion bySize[prim::kPixelSizeCount];  // 1, 2, 3, 4, 6 and 8 bytes a pixel
 
   // The kernel for pixels of `bytes` bytes (1, 2, 3, 4, 6 or 8), else null.
   TransposeRegion ForPixel(int bytes) const {
-    switch (bytes) {
-      case 1:
-        return transpose1;
-      case 2:
-        return transpose2;
-      case 3:
-        return transpose3;
-      case 4:
-        return transpose4;
-      case 6:
-        return transpose6;
-      case 8:
-        return transpose8;
-      default:
-        return nullptr;
-    }
+    const int slot = prim::PixelSizeSlot(bytes);
+    return slot < 0 ? nullptr : bySize[slot];
   }
 };
 

@@ -4,5 +4,7 @@
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
+#include <kestrelink/CIppImageMirror.h>
+#include <kestrelink/CIppImageRotate.h>
 #include <kestrelink/CIppWavletCompression.h>
 #include <kestrelink/DebugOutput.h>

@@ -408,6 +408,42 @@ expect_refusal 2 "--auto wants" demosaic --size 6x4 --auto brightest "$work/rggb
 expect_refusal 2 "exclude each other" demosaic --size 6x4 --auto gray-gain --balance 1,2,3 "$work/rggb.raw" "$work/x.bgr"
 expect_refusal 1 "Bayer frame" demosaic --size 60x4 "$work/rggb.raw" "$work/x.bgr"
 
+# --- mirror and rotate ------------------------------------------------------
+# A 3x2 mono8 frame: row 0: 01 02 03, row 1: 04 05 06.
+printf '\x01\x02\x03\x04\x05\x06' >"$work/m3x2.raw"
+for case in "h:04 05 06 01 02 03" "v:03 02 01 06 05 04" "both:06 05 04 03 02 01"; do
+  axis=${case%%:*}
+  "$tool" mirror --axis "$axis" --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/mirror.raw" || fail "mirror --axis $axis: exit $?"
+  expect_bytes "mirror --axis $axis" "$work/mirror.raw" "${case#*:}"
+done
+# 90: output row x, column y = source row 1-y, column x; rows padded to 4 pixels on the right.
+"$tool" rotate --angle 90 --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/r90.raw" || fail "rotate 90: exit $?"
+expect_bytes "rotate 90 keeps the pad at the right" "$work/r90.raw" "04 01 00 00 05 02 00 00 06 03 00 00"
+"$tool" rotate --angle=-90 --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/r270.raw" || fail "rotate -90: exit $?"
+expect_bytes "rotate -90 keeps the pad at the left" "$work/r270.raw" "00 00 03 06 00 00 02 05 00 00 01 04"
+"$tool" rotate --angle -90 --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/r270.png" || fail "rotate -90 to PNG: exit $?"
+expect_png "$work/r270.png" 2 3 8 0
+expect_png_bytes "rotate -90 PNG shows the picture without its pad" "$work/r270.png" "03 06 02 05 01 04"
+printf '\x01\x02\x03\x04\x05\x06' >"$work/bgr2x1.raw"
+"$tool" rotate --angle 180 --size 2x1 --layout bgr24 "$work/bgr2x1.raw" "$work/r180.raw" || fail "rotate 180: exit $?"
+expect_bytes "rotate 180 moves whole pixels" "$work/r180.raw" "04 05 06 01 02 03"
+# Any other angle turns about the centre pixel into a frame of the same size.
+"$tool" rotate --angle 12.5 --interp cubic --smooth --size 64x48 --layout mono8 <(head -c 3072 /dev/zero | tr '\0' '\200') \
+  "$work/tilt.png" || fail "rotate 12.5: exit $?"
+expect_png "$work/tilt.png" 64 48 8 0
+"$tool" rotate --angle 0 --centre 1,0 --interp nearest --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/r0.raw" ||
+  fail "rotate 0 about a centre: exit $?"
+expect_bytes "rotate by 0 is a copy" "$work/r0.raw" "01 02 03 04 05 06"
+expect_png "$demo_dir/15-bgrx-mirrored.png" 64 48 8 2
+expect_png "$demo_dir/16-bgrx-rotated-12.5.png" 64 48 8 2
+expect_refusal 2 "missing --angle" rotate --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "--interp wants" rotate --angle 5 --interp lanczos --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "--angle wants" rotate --angle right --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "not one that turns" mirror --axis h --size 2x1 --layout yuv422 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "--axis wants" mirror --axis x --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "no PNG form" mirror --axis h --size 1x1 --layout bgrx64 "$work/m3x2.raw" "$work/x.png"
+expect_refusal 1 "frame" mirror --axis v --size 3x3 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+
 if ((failures)); then
   echo "$failures check(s) failed" >&2
   exit 1

@@ -13,6 +13,7 @@
 #include "DemosaicVerb.h"
 #include "FrameFile.h"
 #include "LayoutPng.h"
+#include "MirrorRotateVerbs.h"
 #include "PngFile.h"
 #include "SyntheticScene.h"
 #include "ToolError.h"
@@ -93,7 +94,8 @@ void PrintDemoUsage(std::ostream& out) {
          "Makes a synthetic 12-bit camera frame (gradients, bars, checker squares, a disc,\n"
          "colour patches and fixed-seed noise, the same at every run) as mono16 at depth 12,\n"
          "and writes it and conversions of it as PNG files into DIR: grey, BGRx, flipped BGR,\n"
-         "each pseudo-colour map, an ASC curve and a clip level. Prints the folder and the files.\n"
+         "each pseudo-colour map, an ASC curve and a clip level, a demosaiced Bayer frame, and\n"
+         "the BGRx picture mirrored and turned by 12.5 degrees. Prints the folder and the files.\n"
          "Then encodes 30 frames of the scene, panning, to H.264 records and decodes them back,\n"
          "printing the stream's size, bit rate and PSNR.\n"
          "\n"
@@ -145,6 +147,19 @@ int RunDemo(std::span<const std::string_view> args) {
   written.emplace_back(bayerRaw, "the scene as a raw RGGB Bayer frame, 12 bits in 16-bit words");
   WritePng((path / bayerPng).string(), DemosaicToPng(size, kDemoDepth, mosaic));
   written.emplace_back(bayerPng, "that Bayer frame demosaiced (kestrelink demosaic)");
+
+  // The BGRx picture mirrored left to right, and turned by 12.5 degrees about its centre.
+  std::vector<uint8_t> bgrx = RunConversion(*FindConversion(LayoutId::Mono16, LayoutId::Bgrx), {}, w, h, kDemoDepth,
+                                            frame, false);
+  const std::string mirroredPng = "15-bgrx-mirrored.png", rotatedPng = "16-bgrx-rotated-12.5.png";
+  WritePng((path / mirroredPng).string(), LayoutToPng(LayoutId::Bgrx, w, h, 8, MirrorFrame(LayoutId::Bgrx, size, bgrx, false, true)));
+  written.emplace_back(mirroredPng, "the BGRx picture mirrored about the vertical axis (kestrelink mirror --axis v)");
+  RotateRequest tilt;
+  tilt.angle = 12.5;
+  tilt.interpolation = 2;
+  tilt.smooth = true;
+  WritePng((path / rotatedPng).string(), LayoutToPng(LayoutId::Bgrx, w, h, 8, RotateFrame(LayoutId::Bgrx, size, bgrx, tilt).bytes));
+  written.emplace_back(rotatedPng, "the BGRx picture turned 12.5 degrees clockwise, bicubic, smooth edge");
 
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';

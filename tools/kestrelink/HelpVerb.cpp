@@ -28,7 +28,9 @@ void PrintToolUsage(std::ostream& out) {
          "\n"
          "examples:\n"
          "  kestrelink demo                 # example pictures in ./kestrelink-demo/\n"
-         "  kestrelink convert --from mono16 --depth 12 --to bgrx --size 1920x1080 frame.raw frame.png\n";
+         "  kestrelink convert --from mono16 --depth 12 --to bgrx --size 1920x1080 frame.raw frame.png\n"
+         "  kestrelink rotate --angle 90 --size 1920x1080 --layout bgr24 frame.raw turned.png\n"
+         "  kestrelink mirror --axis v --size 1920x1080 --layout mono8 frame.raw mirrored.png\n";
 }
 
 void PrintHelpUsage(std::ostream& out) {

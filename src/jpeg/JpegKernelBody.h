@@ -100,13 +100,13 @@ inline void InversePass(const uint32_t* d, uint32_t* o) {
 
 void IdctStore(const int16_t* coef, const int32_t* dequant, uint8_t* dst, intptr_t step) {
   alignas(64) uint32_t a[64], b[64];
-  for (int i = 0; i < 64; ++i) a[i] = uint32_t(int32_t(coef[i])) * uint32_t(dequant[i]);  // a[u][v]
-  InversePass<false>(a, b);  // along u: b[x][v]
-  Transpose(b, a);           // a[v][x]
-  InversePass<true>(a, b);   // along v: b[y][x], offset by 128
+  for (int i = 0; i < 64; ++i) a[i] = uint32_t(int32_t(coef[i])) * uint32_t(dequant[i]);  // a[v][u]
+  InversePass<false>(a, b);  // down the columns first, as the standard's reference order: b[y][u]
+  Transpose(b, a);           // a[u][y]
+  InversePass<true>(a, b);   // along the rows: b[x][y], offset by 128
   for (int i = 0; i < 8; ++i)
     for (int j = 0; j < 8; ++j) {
-      const int32_t v = int32_t(b[i * 8 + j]);
+      const int32_t v = int32_t(b[j * 8 + i]);
       dst[i * step + j] = uint8_t(v < 0 ? 0 : v > 255 ? 255 : v);
     }
 }

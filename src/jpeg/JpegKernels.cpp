@@ -27,7 +27,7 @@ void MakeForwardQuant(const uint16_t zigzagTable[64], ForwardQuant& quant) {
 }
 
 void MakeDequant(const uint16_t zigzagTable[64], int32_t dequant[64]) {
-  for (int k = 0; k < 64; ++k) dequant[kZigzagToTransposed[k]] = zigzagTable[k];
+  for (int k = 0; k < 64; ++k) dequant[kZigzagToNatural[k]] = zigzagTable[k];
 }
 
 }  // namespace kestrelink::jpeg

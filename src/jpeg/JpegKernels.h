@@ -3,10 +3,11 @@
 // (portable, AVX2, AVX-512; all compiled from JpegKernelBody.h, so every
 // variant gives the same bytes as the portable one).
 //
-// Coefficient blocks of the transforms are held transposed: entry u * 8 + v
-// is the coefficient of horizontal frequency u and vertical frequency v.
-// That lets both transforms run their two passes over eight lanes with one
-// transpose between them.
+// The forward transform gives its coefficients in zigzag order; the inverse
+// takes them in natural order (row v, column u). Both run their two passes
+// over eight lanes with one transpose between them; the inverse goes down
+// the columns first, as the reference order of the standard does, so that
+// its samples are those of the common integer decoders.
 #include <cstdint>
 
 #include "primitives/Variant.h"
@@ -24,7 +25,7 @@ struct JpegKernels {
   // 8 x 8 samples (8-bit, `step` bytes apart) to quantised coefficients in
   // zigzag order, rounded half away from zero.
   void (*fdct_quant)(const uint8_t* src, intptr_t step, const ForwardQuant& quant, int16_t* zigzag);
-  // Transposed coefficients times the transposed dequantisation table, to
+  // Coefficients times the dequantisation table (both in natural order), to
   // 8 x 8 samples clamped to 0 .. 255.
   void (*idct_store)(const int16_t* coef, const int32_t* dequant, uint8_t* dst, intptr_t step);
   // `w` pixels of `bytes` (3 or 4) bytes, red at `red` and blue at 2 - `red`,
@@ -54,11 +55,12 @@ const JpegKernels& Kernels();
 
 // Builds the quantiser of a table given in zigzag order.
 void MakeForwardQuant(const uint16_t zigzagTable[64], ForwardQuant& quant);
-// Builds the transposed dequantisation table of a table in zigzag order.
+// Builds the natural-order dequantisation table of a table in zigzag order.
 void MakeDequant(const uint16_t zigzagTable[64], int32_t dequant[64]);
 
-// kZigzagToTransposed[k]: transposed index of the k-th zigzag coefficient;
-// 16 extra entries past 63 point at 63.
+// kZigzagToTransposed[k]: index u * 8 + v (u horizontal, v vertical
+// frequency) of the k-th zigzag coefficient, the forward transform's own
+// order; 16 extra entries past 63 point at 63.
 extern const uint8_t kZigzagToTransposed[64 + 16];
 
 }  // namespace kestrelink::jpeg

@@ -2,6 +2,7 @@
 // Our codec driven as its callers drive it, for the JPEG tests.
 #include <vector>
 
+#include "jpeg/CJPEGDecoder.h"
 #include "jpeg/CJPEGEncoder.h"
 #include "jpeg/JpegStreams.h"
 #include "jpeg/JpegTypes.h"
@@ -37,6 +38,32 @@ inline std::vector<uint8_t> EncodeOurs(const jpegpeer::Image& im, const OurOptio
   if (status) *status = s;
   out.resize(s == JPEG_OK ? stream.m_position : 0);
   return out;
+}
+
+// Decodes with our decoder from any input stream to grey or R, G, B pixels.
+inline JERRCODE DecodeOursFrom(CBaseStreamInput& stream, jpegpeer::Image& out, int channels = 0) {
+  CJPEGDecoder dec;
+  JERRCODE s = dec.SetSource(&stream);
+  int w = 0, h = 0, ch = 0, precision = 0;
+  JCOLOR colour = JC_UNKNOWN;
+  JSS sampling = JS_444;
+  if (s == JPEG_OK) s = dec.ReadHeader(&w, &h, &ch, &colour, &sampling, &precision);
+  if (s != JPEG_OK) return s;
+  out.width = w;
+  out.height = h;
+  out.channels = channels ? channels : (ch == 1 ? 1 : 3);
+  out.pixels.assign(size_t(w) * h * out.channels, 0);
+  s = dec.SetDestination(out.pixels.data(), w * out.channels, {w, h}, out.channels,
+                         out.channels == 1 ? JC_GRAY : JC_RGB, JS_444, precision, 1);
+  if (s == JPEG_OK) s = dec.ReadData();
+  return s;
+}
+
+inline JERRCODE DecodeOurs(const std::vector<uint8_t>& stream, jpegpeer::Image& out, int channels = 0) {
+  CMemBuffInput in;
+  static const uint8_t empty = 0;
+  in.Open(stream.empty() ? &empty : stream.data(), uint32_t(stream.size()));
+  return DecodeOursFrom(in, out, channels);
 }
 
 inline jpegpeer::EncodeOptions PeerOptions(JSS sampling, int quality) {

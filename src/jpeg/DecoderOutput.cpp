@@ -1,0 +1,147 @@
+// Decoder output: the coefficient store, the inverse transform of every
+// block into the components' planes, then each output row upsampled (the
+// triangle filter for 2 x 1 and 2 x 2 chroma, repetition otherwise) and
+// colour-converted straight into the caller's frame. Both stages run over
+// the OpenMP team.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "jpeg/CJPEGDecoder.h"
+#include "jpeg/JpegKernels.h"
+
+namespace kestrelink::jpeg {
+
+JERRCODE CJPEGDecoder::AllocateCoefficients() {
+  size_t blocks = 0, samples = 0;
+  for (int c = 0; c < m_channels; ++c) {
+    blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    samples += size_t(m_comp[c].blocksX) * 8 * m_comp[c].blocksY * 8;
+  }
+  if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
+  if (!m_planeBuffer.Allocate(samples)) return JPEG_OUT_OF_MEMORY;
+  std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
+  int16_t* coef = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
+  uint8_t* plane = m_planeBuffer.Data();
+  for (int c = 0; c < m_channels; ++c) {
+    m_coef[c] = coef;
+    coef += size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64;
+    m_plane[c] = plane;
+    m_planeStride[c] = m_comp[c].blocksX * 8;
+    plane += size_t(m_planeStride[c]) * m_comp[c].blocksY * 8;
+  }
+  return JPEG_OK;
+}
+
+void CJPEGDecoder::TransformPlanes() {
+  const JpegKernels& k = Kernels();
+  int32_t dequant[4][64];
+  for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], dequant[c]);
+  // Every block row of every component is one unit of work.
+  int rowStart[5] = {0};
+  for (int c = 0; c < m_channels; ++c) rowStart[c + 1] = rowStart[c] + m_comp[c].usedBlocksY;
+  const int units = rowStart[m_channels];
+#pragma omp parallel for schedule(static) num_threads(m_threads)
+  for (int u = 0; u < units; ++u) {
+    int c = 0;
+    while (u >= rowStart[c + 1]) ++c;
+    const int by = u - rowStart[c];
+    const CJPEGColorComponent& comp = m_comp[c];
+    uint8_t* out = m_plane[c] + size_t(by) * 8 * m_planeStride[c];
+    for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(Block(c, bx, by), dequant[c], out + bx * 8, m_planeStride[c]);
+  }
+}
+
+void CJPEGDecoder::ConvertRows() {
+  const JpegKernels& k = Kernels();
+  const int width = m_width, height = m_height;
+  const uint32_t red = m_dstColour == JC_RGB ? 0 : 2, bytes = uint32_t(m_dstChannels);
+  int rowBytes = 0;
+  for (int c = 0; c < m_channels; ++c) rowBytes = std::max(rowBytes, 2 * m_comp[c].width + 64);
+  rowBytes = std::max(rowBytes, width + 64);
+#pragma omp parallel num_threads(m_threads)
+  {
+    std::vector<uint8_t> scratch(size_t(rowBytes) * 5);
+#pragma omp for schedule(static)
+    for (int y = 0; y < height; ++y) {
+      const uint8_t* row[4] = {};
+      for (int c = 0; c < m_channels; ++c) {
+        const CJPEGColorComponent& comp = m_comp[c];
+        const uint8_t* plane = m_plane[c];
+        const int stride = m_planeStride[c];
+        uint8_t* buf = scratch.data() + size_t(rowBytes) * c;
+        if (comp.h == m_hmax && comp.v == m_vmax) {
+          row[c] = plane + size_t(y) * stride;
+        } else if (m_hmax == 2 * comp.h && m_vmax == comp.v) {
+          k.up_h2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
+          row[c] = buf;
+        } else if (m_hmax == 2 * comp.h && m_vmax == 2 * comp.v) {
+          const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+          k.up_h2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
+          row[c] = buf;
+        } else if (m_hmax == comp.h && m_vmax == 2 * comp.v) {
+          // The triangle filter down the column: 3 parts of the nearer row, 1 of the farther.
+          const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+          const uint8_t* n = plane + size_t(cy) * stride;
+          const uint8_t* f = plane + size_t(far) * stride;
+          const int bias = (y & 1) ? 2 : 1;
+          for (int x = 0; x < comp.width; ++x) buf[x] = uint8_t((3 * n[x] + f[x] + bias) >> 2);
+          row[c] = buf;
+        } else {
+          const uint8_t* src = plane + size_t(y * comp.v / m_vmax) * stride;
+          for (int x = 0; x < width; ++x) buf[x] = src[x * comp.h / m_hmax];
+          row[c] = buf;
+        }
+      }
+      uint8_t* dst = m_dst + size_t(y) * m_dstStep;
+      if (m_dstChannels == 1) {
+        std::memcpy(dst, row[0], size_t(width));
+      } else if (m_channels == 1) {
+        for (int x = 0; x < width; ++x) {
+          std::memset(dst + x * bytes, row[0][x], 3);
+          if (bytes == 4) dst[x * 4 + 3] = 255;
+        }
+      } else if (m_colour == JC_YCBCR) {
+        k.ycc_to_pixels(row[0], row[1], row[2], dst, bytes, red, uint32_t(width));
+      } else if (m_channels == 3 && m_colour != JC_YCBCR) {
+        for (int x = 0; x < width; ++x) {
+          dst[x * bytes + red] = row[0][x];
+          dst[x * bytes + 1] = row[1][x];
+          dst[x * bytes + 2 - red] = row[2][x];
+          if (bytes == 4) dst[x * 4 + 3] = 255;
+        }
+      } else {  // four components as stored (CMYK; YCCK's Y, Cb, Cr made CMY)
+        if (m_colour == JC_YCCK) {
+          uint8_t* rgb = scratch.data() + size_t(rowBytes) * 4;
+          k.ycc_to_pixels(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
+          for (int x = 0; x < width; ++x) {
+            for (int i = 0; i < 3; ++i) dst[x * 4 + i] = uint8_t(255 - rgb[x * 3 + i]);
+            dst[x * 4 + 3] = row[3][x];
+          }
+        } else {
+          for (int x = 0; x < width; ++x)
+            for (int i = 0; i < 4; ++i) dst[x * 4 + i] = row[i][x];
+        }
+      }
+    }
+  }
+}
+
+JERRCODE CJPEGDecoder::WriteOutput() {
+  for (int c = 0; c < m_channels; ++c)
+    if (!m_quantDefined[m_comp[c].quantTable]) return JPEG_BAD_QUANT_SEGMENT;
+  if (m_dctScale != 1) return JPEG_NOT_IMPLEMENTED;
+  if (m_dstSize.width < m_width || m_dstSize.height < m_height ||
+      int64_t(m_dstStep) < int64_t(m_width) * m_dstChannels)
+    return JPEG_BAD_PARAMETER;
+  // Grey goes to any layout, three components to three or four bytes, four
+  // components to four; one channel takes the first component.
+  const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||
+                    (m_channels == 4 && m_dstChannels == 4);
+  if (!fits) return JPEG_NOT_IMPLEMENTED;
+  TransformPlanes();
+  ConvertRows();
+  return JPEG_OK;
+}
+
+}  // namespace kestrelink::jpeg

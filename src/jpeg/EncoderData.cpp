@@ -212,6 +212,4 @@ JERRCODE CJPEGEncoder::WriteData() {
   return m_out.Flush();
 }
 
-JERRCODE CJPEGEncoder::WriteProgressive() { return JPEG_NOT_IMPLEMENTED; }
-
 }  // namespace kestrelink::jpeg

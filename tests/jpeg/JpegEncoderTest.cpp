@@ -191,3 +191,44 @@ TEST(JpegEncoder, TooSmallDestinationIsBufferTooSmall) {
 }
 
 }  // namespace
+
+namespace {
+
+int CountMarkers(const std::vector<uint8_t>& s, int code) {
+  int n = 0;
+  for (size_t i = 0; i + 1 < s.size(); ++i) n += s[i] == 0xFF && s[i + 1] == code;
+  return n;
+}
+
+TEST(JpegEncoder, ProgressiveScriptDecodesWithPeerAndOurs) {
+  struct Case {
+    int w, h, channels;
+    JSS sampling;
+    int restart, scans;
+  };
+  const Case cases[] = {{320, 240, 3, JS_411, 0, 10}, {333, 211, 1, JS_444, 0, 6}, {97, 45, 3, JS_422, 3, 10},
+                        {1, 1, 3, JS_411, 0, 10},     {61, 7, 1, JS_444, 2, 6},    {200, 120, 3, JS_444, 0, 10}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.w << "x" << c.h << " ch " << c.channels << " restart " << c.restart);
+    const Image im = jpegpeer::Scene(c.w, c.h, c.channels, 11);
+    OurOptions o;
+    o.mode = JPEG_PROGRESSIVE;
+    o.sampling = c.sampling;
+    o.restartInterval = c.restart;
+    o.quality = 85;
+    const std::vector<uint8_t> s = EncodeOurs(im, o);
+    EXPECT_EQ(CountMarkers(s, 0xDA), c.scans);
+    EXPECT_EQ(CountMarkers(s, 0xC2), 1);
+    Image theirs, ours;
+    ASSERT_TRUE(jpegpeer::Decode(s, theirs));
+    ASSERT_EQ(DecodeOurs(s, ours), JPEG_OK);
+    EXPECT_LE(jpegpeer::MaxDifference(ours.pixels, theirs.pixels), 1);
+    // The same coefficients as the sequential stream, so the same picture.
+    o.mode = JPEG_BASELINE;
+    Image sequential;
+    ASSERT_TRUE(jpegpeer::Decode(EncodeOurs(im, o), sequential));
+    EXPECT_EQ(theirs.pixels, sequential.pixels);
+  }
+}
+
+}  // namespace

@@ -34,6 +34,7 @@ JERRCODE CJPEGDecoder::SetSource(CBaseStreamInput* stream) {
   m_adobeTransform = -1;
   m_restartInterval = 0;
   m_scanCount = 0;
+  m_scanLog.clear();
   m_dst = nullptr;
   for (auto& t : m_dcTable) t.m_defined = false;
   for (auto& t : m_acTable) t.m_defined = false;
@@ -227,6 +228,14 @@ JERRCODE CJPEGDecoder::ParseScan() {
     m_se = 63;
   }
   ++m_scanCount;
+  JpegScanInfo info;
+  info.count = n;
+  for (int i = 0; i < n; ++i) info.comps[i] = m_scanComps[i];
+  info.ss = ss;
+  info.se = se;
+  info.ah = m_ah;
+  info.al = m_al;
+  if (m_scanLog.size() < 1024) m_scanLog.push_back(info);
   m_inScan = true;
   return JPEG_OK;
 }

@@ -32,6 +32,14 @@ class CMemoryBuffer {
   size_t m_size = 0;
 };
 
+// One scan header as read: component indices and the spectral and
+// successive-approximation fields.
+struct JpegScanInfo {
+  int count = 0;
+  int comps[4] = {};
+  int ss = 0, se = 63, ah = 0, al = 0;
+};
+
 // The sampling value reported for factors other than 4:4:4, 4:2:2 and 2 x 2.
 inline constexpr int32_t JS_OTHER = 4;
 
@@ -49,6 +57,10 @@ class CJPEGDecoder {
   JMODE Mode() const { return m_mode; }
   int RestartInterval() const { return m_restartInterval; }
   int ScanCount() const { return m_scanCount; }
+  const std::vector<JpegScanInfo>& Scans() const { return m_scanLog; }
+  bool HuffmanTableDefined(int tableClass, int index) const {
+    return (tableClass ? m_acTable : m_dcTable)[index & 3].m_defined;
+  }
   const CJPEGColorComponent& Component(int i) const { return m_comp[i]; }
   const uint16_t* QuantTable(int i) const { return m_quantDefined[i] ? m_quant[i] : nullptr; }
   bool HasExif() const { return m_exifFound; }
@@ -111,6 +123,7 @@ class CJPEGDecoder {
   int m_scanComps[4] = {}, m_scanCount = 0, m_scanCompCount = 0;
   int m_ss = 0, m_se = 63, m_ah = 0, m_al = 0;
   int m_eobRun = 0, m_nextRestart = 0;
+  std::vector<JpegScanInfo> m_scanLog;
 
   // Destination.
   uint8_t* m_dst = nullptr;

@@ -1,7 +1,6 @@
 // Decoder set-up and the marker loop with its segment parsers.
 #include "jpeg/CJPEGDecoder.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -9,21 +8,6 @@
 #include "platform/OpenMP.h"
 
 namespace kestrelink::jpeg {
-
-bool CMemoryBuffer::Allocate(size_t bytes) {
-  if (bytes <= m_size && m_data) return true;
-  Free();
-  m_data = static_cast<uint8_t*>(std::aligned_alloc(64, (bytes + 63) / 64 * 64));
-  if (!m_data) return false;
-  m_size = bytes;
-  return true;
-}
-
-void CMemoryBuffer::Free() {
-  std::free(m_data);
-  m_data = nullptr;
-  m_size = 0;
-}
 
 CJPEGDecoder::CJPEGDecoder() : m_threads(platform::MeasureTeamSize()) {}
 

@@ -12,25 +12,10 @@
 #include "jpeg/CJPEGMetaData.h"
 #include "jpeg/HuffmanDecoder.h"
 #include "jpeg/JpegTypes.h"
+#include "jpeg/MemoryBuffer.h"
 #include "primitives/IppTypes.h"
 
 namespace kestrelink::jpeg {
-
-// Aligned scratch of the decoder: a size and a pointer, replaced whole when
-// a larger one is needed.
-class CMemoryBuffer {
- public:
-  ~CMemoryBuffer() { Free(); }
-  // False when the allocation fails.
-  bool Allocate(size_t bytes);
-  uint8_t* Data() const { return m_data; }
-  size_t Size() const { return m_size; }
-
- private:
-  void Free();
-  uint8_t* m_data = nullptr;
-  size_t m_size = 0;
-};
 
 // One scan header as read: component indices and the spectral and
 // successive-approximation fields.
@@ -137,6 +122,7 @@ class CJPEGDecoder {
   uint8_t* m_plane[4] = {};
   int m_planeStride[4] = {};
   bool m_coefReady = false;
+  bool m_scanned[4] = {};
   int m_threads = 1;
 };
 

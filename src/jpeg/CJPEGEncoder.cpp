@@ -113,9 +113,13 @@ void CJPEGEncoder::PrepareComponents() {
 }
 
 JERRCODE CJPEGEncoder::AllocateBuffers() {
+  size_t blocks = 0;
+  for (int i = 0; i < m_jpegChannels; ++i) blocks += size_t(m_comp[i].blocksX) * m_comp[i].blocksY;
+  if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
+  int16_t* at = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
   for (int i = 0; i < m_jpegChannels; ++i) {
-    const size_t need = size_t(m_comp[i].blocksX) * m_comp[i].blocksY * 64;
-    if (m_coef[i].size() != need) m_coef[i].assign(need, 0);
+    m_coef[i] = at;
+    at += size_t(m_comp[i].blocksX) * m_comp[i].blocksY * 64;
   }
   return JPEG_OK;
 }

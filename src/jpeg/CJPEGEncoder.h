@@ -12,6 +12,7 @@
 #include "jpeg/HuffmanEncoder.h"
 #include "jpeg/JpegKernels.h"
 #include "jpeg/JpegTypes.h"
+#include "jpeg/MemoryBuffer.h"
 #include "primitives/IppTypes.h"
 
 namespace kestrelink::jpeg {
@@ -56,7 +57,7 @@ class CJPEGEncoder {
   JERRCODE WriteProgressive();
   int16_t* Block(int component, int bx, int by) {
     const CJPEGColorComponent& c = m_comp[component];
-    return m_coef[component].data() + (size_t(by) * c.blocksX + bx) * 64;
+    return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;
   }
 
   // Source.
@@ -87,7 +88,8 @@ class CJPEGEncoder {
   CJPEGEncoderQuantTable m_quant[4];
   CJPEGEncoderHuffmanTable m_dcTable[4], m_acTable[4];
   CJPEGEncoderHuffmanState m_state;
-  std::vector<int16_t> m_coef[4];  // each component's blocks, whole MCUs of the frame
+  CMemoryBuffer m_coefBuffer;  // every block is written before it is read
+  int16_t* m_coef[4] = {};     // each component's blocks, whole MCUs of the frame
 };
 
 }  // namespace kestrelink::jpeg

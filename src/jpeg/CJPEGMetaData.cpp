@@ -175,8 +175,10 @@ JERRCODE CJPEGMetaData::ReadEntry(CJPEGMetaDataEntry& e) {
   // Values at an offset must lie in the payload; reading them would fail at
   // the first byte past its end, so that fails here, before the allocation.
   if (inOffset && bytes > 0 && uint64_t(e.value) + bytes > m_size) return JPEG_BUFF_TOO_SMALL;
-  const size_t alloc = size_t(bytes > 4 ? bytes : 4);
-  e.data = static_cast<uint8_t*>(std::calloc(alloc + 1, 1));  // one zero more ends any text
+  // At least 4 bytes, as the format has it; here 8, so that the first value of
+  // any type (a rational pair) can be formatted, and one zero more ends any text.
+  const size_t alloc = size_t(bytes > 8 ? bytes : 8);
+  e.data = static_cast<uint8_t*>(std::calloc(alloc + 1, 1));
   if (!e.data) return JPEG_OUT_OF_MEMORY;
   const uint32_t back = m_cursor;
   JERRCODE status = JPEG_OK;
@@ -233,7 +235,7 @@ JERRCODE CJPEGMetaData::ReadEntry(CJPEGMetaDataEntry& e) {
 }
 
 char* CJPEGMetaData::Format(const CJPEGMetaDataEntry* entry) {
-  if (!entry || entry->type > 10) return nullptr;
+  if (!entry || !entry->data || entry->type > 10) return nullptr;  // an entry a failed parse left unread
   const char* name = entry->name ? entry->name : "(null)";
   const int type = entry->type;
   if (type == 1 || type == 6 || type == 8) return nullptr;

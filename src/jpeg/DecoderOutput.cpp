@@ -20,7 +20,10 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
   }
   if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
   if (!m_planeBuffer.Allocate(samples)) return JPEG_OUT_OF_MEMORY;
-  std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
+  // Progressive scans refine the store, so it starts cleared; a sequential
+  // scan writes every block it covers.
+  if (m_mode == JPEG_PROGRESSIVE) std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
+  for (bool& s : m_scanned) s = m_mode == JPEG_PROGRESSIVE;
   int16_t* coef = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
   uint8_t* plane = m_planeBuffer.Data();
   for (int c = 0; c < m_channels; ++c) {
@@ -35,6 +38,9 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
 
 void CJPEGDecoder::TransformPlanes() {
   const JpegKernels& k = Kernels();
+  // A component that no scan covered decodes as mid-grey.
+  for (int c = 0; c < m_channels; ++c)
+    if (!m_scanned[c]) std::memset(m_coef[c], 0, size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64 * sizeof(int16_t));
   int32_t dequant[4][64];
   for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], dequant[c]);
   // Every block row of every component is one unit of work.

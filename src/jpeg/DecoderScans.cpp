@@ -140,6 +140,7 @@ JERRCODE CJPEGDecoder::DecodeScan() {
     if (needAc && m_mode == JPEG_PROGRESSIVE && !m_acTable[c.acTable].m_defined) return JPEG_BAD_HUFF_SEGMENT;
   }
   for (int c = 0; c < m_channels; ++c) m_comp[c].lastDc = 0;
+  for (int i = 0; i < m_scanCompCount; ++i) m_scanned[m_scanComps[i]] = true;
   m_eobRun = 0;
   m_nextRestart = 0;
   m_bits.Start(&m_in);

@@ -19,6 +19,7 @@ bool CJPEGDecoderHuffmanTable::Init(const uint8_t bits[16], const uint8_t* value
     m_valueOffset[len] = k - int32_t(code);
     const int n = bits[len - 1];
     for (int i = 0; i < n; ++i, ++k, ++code) {
+      if (code >= (1u << len)) return false;  // more codes than the length allows
       if (len <= kLookBits) {
         const uint32_t first = code << (kLookBits - len), span = 1u << (kLookBits - len);
         for (uint32_t j = 0; j < span; ++j) {
@@ -34,7 +35,6 @@ bool CJPEGDecoderHuffmanTable::Init(const uint8_t bits[16], const uint8_t* value
       }
     }
     m_maxCode[len] = n ? int32_t(code) - 1 : -1;
-    if (code > (1u << len)) return false;
     code <<= 1;
   }
   m_maxCode[17] = INT32_MAX;

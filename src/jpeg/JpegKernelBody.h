@@ -116,58 +116,90 @@ constexpr int32_t kYr = 19595, kYg = 38470, kYb = 7471;
 constexpr int32_t kCbr = -11059, kCbg = -21709, kCbb = 32768, kCrr = 32768, kCrg = -27439, kCrb = -5329;
 constexpr int32_t kCrToR = 91881, kCbToG = -22554, kCrToG = -46802, kCbToB = 116130;
 
-void PixelsToYcc(const uint8_t* src, uint32_t bytes, uint32_t red, uint8_t* y, uint8_t* cb, uint8_t* cr,
-                 uint32_t w) {
-  const uint32_t blue = 2 - red;
-  for (uint32_t x = 0; x < w; ++x) {
-    const int32_t r = src[x * bytes + red], g = src[x * bytes + 1], b = src[x * bytes + blue];
+template <uint32_t kBytes, uint32_t kRed>
+void PixelsToYccFixed(const uint8_t* __restrict src, uint8_t* __restrict y, uint8_t* __restrict cb,
+                      uint8_t* __restrict cr, uint32_t w) {
+  constexpr uint32_t kBlue = 2 - kRed;
+  for (size_t x = 0; x < w; ++x) {
+    const int32_t r = src[x * kBytes + kRed], g = src[x * kBytes + 1], b = src[x * kBytes + kBlue];
     y[x] = uint8_t((kYr * r + kYg * g + kYb * b + 32768) >> 16);
     cb[x] = uint8_t((kCbr * r + kCbg * g + kCbb * b + (128 << 16) + 32767) >> 16);
     cr[x] = uint8_t((kCrr * r + kCrg * g + kCrb * b + (128 << 16) + 32767) >> 16);
   }
 }
 
+void PixelsToYcc(const uint8_t* src, uint32_t bytes, uint32_t red, uint8_t* y, uint8_t* cb, uint8_t* cr,
+                 uint32_t w) {
+  if (bytes == 4)
+    red ? PixelsToYccFixed<4, 2>(src, y, cb, cr, w) : PixelsToYccFixed<4, 0>(src, y, cb, cr, w);
+  else
+    red ? PixelsToYccFixed<3, 2>(src, y, cb, cr, w) : PixelsToYccFixed<3, 0>(src, y, cb, cr, w);
+}
+
 inline uint8_t Clamp255(int32_t v) { return uint8_t(v < 0 ? 0 : v > 255 ? 255 : v); }
 
-void YccToPixels(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, uint32_t bytes, uint32_t red,
-                 uint32_t w) {
-  const uint32_t blue = 2 - red;
-  for (uint32_t x = 0; x < w; ++x) {
+template <uint32_t kBytes, uint32_t kRed>
+void YccToPixelsFixed(const uint8_t* __restrict y, const uint8_t* __restrict cb, const uint8_t* __restrict cr,
+                      uint8_t* __restrict dst, uint32_t w) {
+  constexpr uint32_t kBlue = 2 - kRed;
+  for (size_t x = 0; x < w; ++x) {
     const int32_t l = y[x], u = cb[x] - 128, v = cr[x] - 128;
-    dst[x * bytes + red] = Clamp255(l + ((kCrToR * v + 32768) >> 16));
-    dst[x * bytes + 1] = Clamp255(l + ((kCbToG * u + kCrToG * v + 32768) >> 16));
-    dst[x * bytes + blue] = Clamp255(l + ((kCbToB * u + 32768) >> 16));
-    if (bytes == 4) dst[x * bytes + 3] = 255;
+    dst[x * kBytes + kRed] = Clamp255(l + ((kCrToR * v + 32768) >> 16));
+    dst[x * kBytes + 1] = Clamp255(l + ((kCbToG * u + kCrToG * v + 32768) >> 16));
+    dst[x * kBytes + kBlue] = Clamp255(l + ((kCbToB * u + 32768) >> 16));
+    if constexpr (kBytes == 4) dst[x * kBytes + 3] = 255;
   }
 }
 
-void DownH2V1(const uint8_t* src, uint8_t* dst, uint32_t w) {
-  for (uint32_t x = 0; x < w; ++x) dst[x] = uint8_t((src[2 * x] + src[2 * x + 1] + (x & 1)) >> 1);
+void YccToPixels(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, uint32_t bytes, uint32_t red,
+                 uint32_t w) {
+  if (bytes == 4)
+    red ? YccToPixelsFixed<4, 2>(y, cb, cr, dst, w) : YccToPixelsFixed<4, 0>(y, cb, cr, dst, w);
+  else
+    red ? YccToPixelsFixed<3, 2>(y, cb, cr, dst, w) : YccToPixelsFixed<3, 0>(y, cb, cr, dst, w);
 }
 
-void DownH2V2(const uint8_t* src0, const uint8_t* src1, uint8_t* dst, uint32_t w) {
-  for (uint32_t x = 0; x < w; ++x)
+void DownH2V1(const uint8_t* __restrict src, uint8_t* __restrict dst, uint32_t w) {
+  for (size_t x = 0; x < w; ++x) dst[x] = uint8_t((src[2 * x] + src[2 * x + 1] + (x & 1)) >> 1);
+}
+
+void DownH2V2(const uint8_t* __restrict src0, const uint8_t* __restrict src1, uint8_t* __restrict dst, uint32_t w) {
+  for (size_t x = 0; x < w; ++x)
     dst[x] = uint8_t((src0[2 * x] + src0[2 * x + 1] + src1[2 * x] + src1[2 * x + 1] + 1 + (x & 1)) >> 2);
 }
 
 // The triangle filter across: each output takes 3 parts of its own column and
 // 1 of the neighbour on its side, the row ends repeating their last column.
-void UpH2(const uint8_t* near, const uint8_t* far, uint8_t* dst, uint32_t w) {
-  if (w == 0) return;
-  if (far == nullptr) {
-    for (uint32_t x = 0; x < w; ++x) {
-      const int32_t c = near[x], l = near[x ? x - 1 : 0], r = near[x + 1 < w ? x + 1 : w - 1];
-      dst[2 * x] = uint8_t((3 * c + l + 1) >> 2);
-      dst[2 * x + 1] = uint8_t((3 * c + r + 2) >> 2);
-    }
+// The column sums are 3 x near + far for 2 x 2 sampling, 4 x near for 2 x 1
+// (so one rounding serves both: 2 x 1 is 2 x 2 with far = near, shifted 2
+// less).
+template <bool kVertical>
+void UpH2Fixed(const uint8_t* __restrict near, const uint8_t* __restrict far, uint8_t* __restrict dst, uint32_t w) {
+  auto sum = [&](size_t x) -> int32_t {
+    if constexpr (kVertical) return 3 * near[x] + far[x];
+    else return near[x];
+  };
+  constexpr int shift = kVertical ? 4 : 2;
+  constexpr int32_t even = kVertical ? 8 : 1, odd = kVertical ? 7 : 2;
+  if (w == 1) {
+    dst[0] = dst[1] = uint8_t((4 * sum(0) + even) >> shift);
     return;
   }
-  for (uint32_t x = 0; x < w; ++x) {
-    const uint32_t xl = x ? x - 1 : 0, xr = x + 1 < w ? x + 1 : w - 1;
-    const int32_t c = 3 * near[x] + far[x], l = 3 * near[xl] + far[xl], r = 3 * near[xr] + far[xr];
-    dst[2 * x] = uint8_t((3 * c + l + 8) >> 4);
-    dst[2 * x + 1] = uint8_t((3 * c + r + 7) >> 4);
+  dst[0] = uint8_t((4 * sum(0) + even) >> shift);
+  dst[1] = uint8_t((3 * sum(0) + sum(1) + odd) >> shift);
+  for (size_t x = 1; x + 1 < w; ++x) {
+    const int32_t c = sum(x), l = sum(x - 1), r = sum(x + 1);
+    dst[2 * x] = uint8_t((3 * c + l + even) >> shift);
+    dst[2 * x + 1] = uint8_t((3 * c + r + odd) >> shift);
   }
+  const uint32_t x = w - 1;
+  dst[2 * x] = uint8_t((3 * sum(x) + sum(x - 1) + even) >> shift);
+  dst[2 * x + 1] = uint8_t((4 * sum(x) + odd) >> shift);
+}
+
+void UpH2(const uint8_t* near, const uint8_t* far, uint8_t* dst, uint32_t w) {
+  if (w == 0) return;
+  far ? UpH2Fixed<true>(near, far, dst, w) : UpH2Fixed<false>(near, nullptr, dst, w);
 }
 
 constexpr JpegKernels kTable = {FdctQuant, IdctStore, PixelsToYcc, YccToPixels, DownH2V1, DownH2V2, UpH2};

@@ -8,6 +8,7 @@
 // over eight lanes with one transpose between them; the inverse goes down
 // the columns first, as the reference order of the standard does, so that
 // its samples are those of the common integer decoders.
+#include <cstddef>
 #include <cstdint>
 
 #include "primitives/Variant.h"

@@ -311,7 +311,8 @@ JERRCODE CJPEGDecoder::ReadHeader(int* width, int* height, int* channels, JCOLOR
   // Colour from the component count and the APP14 transform flag.
   switch (m_channels) {
     case 1: m_colour = JC_GRAY; break;
-    case 3: m_colour = (m_adobeFound && m_adobeTransform == 0) ? JC_RGB : JC_YCBCR; break;
+    // Lossless frames have no colour transform: three components are RGB.
+    case 3: m_colour = (m_mode == JPEG_LOSSLESS || (m_adobeFound && m_adobeTransform == 0)) ? JC_RGB : JC_YCBCR; break;
     case 4: m_colour = (m_adobeFound && m_adobeTransform == 2) ? JC_YCCK : JC_CMYK; break;
     default: m_colour = JC_UNKNOWN; break;
   }
@@ -341,7 +342,7 @@ JERRCODE CJPEGDecoder::SetDestination(uint8_t* pointer, int step, IppiSize size,
 
 JERRCODE CJPEGDecoder::ReadData() {
   if (!m_frameFound || !m_dst) return JPEG_BAD_PARAMETER;
-  if (m_mode == JPEG_LOSSLESS || m_precision != 8) return JPEG_NOT_IMPLEMENTED;
+  if (m_mode != JPEG_LOSSLESS && m_precision != 8) return JPEG_NOT_IMPLEMENTED;
   if (JERRCODE s = AllocateCoefficients()) return s;
   if (JERRCODE s = MarkerLoop(false)) return s;
   return WriteOutput();

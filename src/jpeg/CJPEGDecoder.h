@@ -68,6 +68,8 @@ class CJPEGDecoder {
   JERRCODE ReadSegmentLength(int& length);
   JERRCODE MarkerLoop(bool headerOnly);
   JERRCODE DecodeScan();
+  JERRCODE DecodeLosslessScan();
+  void WriteLosslessRows();
   JERRCODE ProcessRestart();
   void DecodeSequentialBlock(int16_t* coef, CJPEGColorComponent& c);
   void DecodeDcFirst(int16_t* coef, CJPEGColorComponent& c);
@@ -120,6 +122,7 @@ class CJPEGDecoder {
   CMemoryBuffer m_coefBuffer, m_planeBuffer;
   int16_t* m_coef[4] = {};
   uint8_t* m_plane[4] = {};
+  uint16_t* m_samples[4] = {};  // lossless frames: the samples before the point transform
   int m_planeStride[4] = {};
   bool m_coefReady = false;
   bool m_scanned[4] = {};

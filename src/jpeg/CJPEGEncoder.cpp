@@ -22,9 +22,11 @@ std::string CJPEGEncoder::DefaultComment() {
 JERRCODE CJPEGEncoder::SetSource(const uint8_t* pointer, int step, IppiSize size, int channels, JCOLOR colour,
                                  JSS sampling, int precision) {
   if (!pointer || size.width < 1 || size.height < 1 || size.width > 65535 || size.height > 65535 || channels < 1 ||
-      channels > 4 || precision != 8)
-    return precision != 8 && pointer ? JPEG_NOT_IMPLEMENTED : JPEG_BAD_PARAMETER;
-  if (int64_t(step) < int64_t(size.width) * channels) return JPEG_BAD_PARAMETER;
+      channels > 4 || precision < 2 || precision > 16)
+    return JPEG_BAD_PARAMETER;
+  // Samples of more than 8 bits are little-endian words, one channel (lossless frames).
+  if (precision > 8 && channels != 1) return JPEG_NOT_IMPLEMENTED;
+  if (int64_t(step) < int64_t(size.width) * channels * (precision > 8 ? 2 : 1)) return JPEG_BAD_PARAMETER;
   (void)sampling;  // the source is interleaved pixels; its sampling is 4:4:4
   m_src = pointer;
   m_srcStep = step;
@@ -45,7 +47,7 @@ JERRCODE CJPEGEncoder::SetComment(const char* text) {
 
 JERRCODE CJPEGEncoder::SetParams(JMODE mode, JCOLOR colour, JSS sampling, int restartInterval, bool huffmanOptimise,
                                  int quality) {
-  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE) return JPEG_NOT_IMPLEMENTED;
+  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE || m_precision != 8) return JPEG_NOT_IMPLEMENTED;
   if (restartInterval < 0 || restartInterval > 65535) return JPEG_BAD_PARAMETER;
   m_mode = mode;
   m_jpegColour = colour;
@@ -163,7 +165,10 @@ JERRCODE CJPEGEncoder::WriteHeader() {
   if (!m_paramsSet) return JPEG_BAD_PARAMETER;
   const bool chroma = m_jpegColour == JC_YCBCR || m_jpegColour == JC_YCCK;
   if (JERRCODE s = m_out.WriteWord(0xFFD8)) return s;
-  if (m_jpegColour == JC_GRAY || m_jpegColour == JC_YCBCR) {
+  const bool lossless = m_mode == JPEG_LOSSLESS;
+  if (lossless) {
+    // no application segment: a lossless frame has no colour transform to name
+  } else if (m_jpegColour == JC_GRAY || m_jpegColour == JC_YCBCR) {
     static const uint8_t jfif[] = {0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0};
     if (JERRCODE s = m_out.WriteBytes(jfif, sizeof jfif)) return s;
   } else {
@@ -178,9 +183,11 @@ JERRCODE CJPEGEncoder::WriteHeader() {
   if (JERRCODE s = m_out.WriteWord(int(textBytes + 2))) return s;
   if (JERRCODE s = m_out.WriteBytes(m_comment.c_str(), textBytes)) return s;
 
-  if (JERRCODE s = WriteQuantTable(0)) return s;
-  if (m_jpegChannels > 1 && chroma)
-    if (JERRCODE s = WriteQuantTable(1)) return s;
+  if (!lossless) {
+    if (JERRCODE s = WriteQuantTable(0)) return s;
+    if (m_jpegChannels > 1 && chroma)
+      if (JERRCODE s = WriteQuantTable(1)) return s;
+  }
 
   if (JERRCODE s = m_out.WriteWord(0xFFC0 + (m_mode - 1))) return s;
   if (JERRCODE s = m_out.WriteWord(8 + 3 * m_jpegChannels)) return s;
@@ -196,6 +203,7 @@ JERRCODE CJPEGEncoder::WriteHeader() {
   }
 
   const bool twoTables = m_jpegChannels > 1 && chroma;
+  if (lossless) return JPEG_OK;  // its table and restart interval go with the scan
   if (m_mode != JPEG_PROGRESSIVE) {
     // Optimised tables need the statistics of the whole frame first.
     if (m_optimise) OptimiseTables();

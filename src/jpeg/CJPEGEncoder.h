@@ -32,6 +32,11 @@ class CJPEGEncoder {
   JERRCODE SetDestination(CBaseStreamOutput* stream);
   JERRCODE SetParams(JMODE mode, JCOLOR colour, JSS sampling, int restartInterval, bool huffmanOptimise,
                      int quality);
+  // Lossless frames (mode 4): predictor 1 to 7, point transform below the
+  // precision; grey (precision 2 to 16, samples of more than 8 bits as
+  // little-endian words) or RGB from 8-bit colour pixels.
+  JERRCODE SetParamsLossless(JMODE mode, JCOLOR colour, int precision, int predictor, int pointTransform,
+                             bool huffmanOptimise, int restartInterval = 0);
   // Replaces the default comment; null restores it.
   JERRCODE SetComment(const char* text);
   JERRCODE WriteHeader();
@@ -55,6 +60,8 @@ class CJPEGEncoder {
   JERRCODE CodeSequential();
   void OptimiseTables();
   JERRCODE WriteProgressive();
+  JERRCODE WriteLossless();
+  void LosslessDifferences(std::vector<uint16_t>& diffs);
   int16_t* Block(int component, int bx, int by) {
     const CJPEGColorComponent& c = m_comp[component];
     return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;
@@ -76,6 +83,7 @@ class CJPEGEncoder {
   bool m_optimise = false;
   int m_quality = 100;
   int m_spectralEnd = 63;
+  int m_predictor = 1, m_pointTransform = 0;
   int m_threads = 1;
   int m_jpegChannels = 0;
   int m_mcuWidth = 8, m_mcuHeight = 8, m_mcusX = 0, m_mcusY = 0;

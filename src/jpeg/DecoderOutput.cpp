@@ -13,6 +13,18 @@
 namespace kestrelink::jpeg {
 
 JERRCODE CJPEGDecoder::AllocateCoefficients() {
+  if (m_mode == JPEG_LOSSLESS) {
+    size_t samples = 0;
+    for (int c = 0; c < m_channels; ++c) samples += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    if (!m_planeBuffer.Allocate(samples * sizeof(uint16_t))) return JPEG_OUT_OF_MEMORY;
+    std::memset(m_planeBuffer.Data(), 0, samples * sizeof(uint16_t));
+    uint16_t* at = reinterpret_cast<uint16_t*>(m_planeBuffer.Data());
+    for (int c = 0; c < m_channels; ++c) {
+      m_samples[c] = at;
+      at += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    }
+    return JPEG_OK;
+  }
   size_t blocks = 0, samples = 0;
   for (int c = 0; c < m_channels; ++c) {
     blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
@@ -134,12 +146,18 @@ void CJPEGDecoder::ConvertRows() {
 }
 
 JERRCODE CJPEGDecoder::WriteOutput() {
+  const int sampleBytes = m_precision > 8 ? 2 : 1;
+  if (m_dstSize.width < m_width || m_dstSize.height < m_height ||
+      int64_t(m_dstStep) < int64_t(m_width) * m_dstChannels * sampleBytes)
+    return JPEG_BAD_PARAMETER;
+  if (m_mode == JPEG_LOSSLESS) {
+    if (m_dctScale != 1) return JPEG_NOT_IMPLEMENTED;
+    WriteLosslessRows();
+    return JPEG_OK;
+  }
   for (int c = 0; c < m_channels; ++c)
     if (!m_quantDefined[m_comp[c].quantTable]) return JPEG_BAD_QUANT_SEGMENT;
   if (m_dctScale != 1) return JPEG_NOT_IMPLEMENTED;
-  if (m_dstSize.width < m_width || m_dstSize.height < m_height ||
-      int64_t(m_dstStep) < int64_t(m_width) * m_dstChannels)
-    return JPEG_BAD_PARAMETER;
   // Grey goes to any layout, three components to three or four bytes, four
   // components to four; one channel takes the first component.
   const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||

@@ -131,6 +131,7 @@ JERRCODE CJPEGDecoder::ProcessRestart() {
 }
 
 JERRCODE CJPEGDecoder::DecodeScan() {
+  if (m_mode == JPEG_LOSSLESS) return DecodeLosslessScan();
   for (int i = 0; i < m_scanCompCount; ++i) {
     const CJPEGColorComponent& c = m_comp[m_scanComps[i]];
     const bool needDc = m_ss == 0 && m_ah == 0, needAc = m_se > 0;

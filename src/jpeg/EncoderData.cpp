@@ -205,7 +205,9 @@ JERRCODE CJPEGEncoder::CodeSequential() {
 
 JERRCODE CJPEGEncoder::WriteData() {
   if (!m_paramsSet) return JPEG_BAD_PARAMETER;
-  JERRCODE status = m_mode == JPEG_PROGRESSIVE ? WriteProgressive() : CodeSequential();
+  JERRCODE status = m_mode == JPEG_PROGRESSIVE ? WriteProgressive()
+                    : m_mode == JPEG_LOSSLESS  ? WriteLossless()
+                                               : CodeSequential();
   m_coefReady = false;
   if (status != JPEG_OK) return status;
   if (JERRCODE s = m_out.WriteWord(0xFFD9)) return s;

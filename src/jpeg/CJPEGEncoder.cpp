@@ -66,9 +66,11 @@ JERRCODE CJPEGEncoder::SetParams(JMODE mode, JCOLOR colour, JSS sampling, int re
     default: m_jpegChannels = m_srcChannels < 4 ? m_srcChannels : 4; break;
   }
   // What the row conversion can make of the source: grey from grey, YCbCr
-  // or RGB from three- or four-byte colour pixels.
+  // or RGB from three- or four-byte colour pixels, CMYK or YCCK from CMYK.
   const bool srcColour = (m_srcColour == JC_BGR || m_srcColour == JC_RGB) && m_srcChannels >= 3;
-  const bool fits = (colour == JC_GRAY && m_srcChannels == 1) || ((colour == JC_YCBCR || colour == JC_RGB) && srcColour);
+  const bool srcInk = m_srcColour == JC_CMYK && m_srcChannels == 4;
+  const bool fits = (colour == JC_GRAY && m_srcChannels == 1) || ((colour == JC_YCBCR || colour == JC_RGB) && srcColour) ||
+                    ((colour == JC_CMYK || colour == JC_YCCK) && srcInk);
   if (!fits) return JPEG_NOT_IMPLEMENTED;
   const bool chroma = colour == JC_YCBCR || colour == JC_YCCK;
   if (m_jpegChannels == 1 || !chroma) m_mcuWidth = m_mcuHeight = 8;  // only chroma is subsampled

@@ -23,7 +23,7 @@ void CJPEGEncoder::TransformRow(int mcuRow, std::vector<uint8_t>& scratch) {
   const JpegKernels& k = Kernels();
   const int paddedW = m_mcusX * m_mcuWidth, rows = m_mcuHeight;
   const size_t planeBytes = size_t(paddedW) * rows;
-  scratch.resize(planeBytes * 2 * 4);
+  scratch.resize(planeBytes * 2 * 4 + size_t(paddedW) * 3);
   uint8_t* full[4];
   uint8_t* down[4];
   for (int c = 0; c < 4; ++c) {
@@ -41,6 +41,17 @@ void CJPEGEncoder::TransformRow(int mcuRow, std::vector<uint8_t>& scratch) {
       std::memcpy(out[0], src, size_t(w));
     } else if (m_jpegColour == JC_YCBCR) {
       k.pixels_to_ycc(src, uint32_t(m_srcChannels), red, out[0], out[1], out[2], uint32_t(w));
+    } else if (m_jpegColour == JC_CMYK) {
+      for (int x = 0; x < w; ++x)
+        for (int c = 0; c < 4; ++c) out[c][x] = src[x * 4 + c];
+    } else if (m_jpegColour == JC_YCCK) {
+      // The inks' complements are R, G, B; those go to YCbCr, K as it stands.
+      uint8_t* rgb = scratch.data() + planeBytes * 8;  // one row of R, G, B past the planes
+      for (int x = 0; x < w; ++x) {
+        for (int c = 0; c < 3; ++c) rgb[x * 3 + c] = uint8_t(255 - src[x * 4 + c]);
+        out[3][x] = src[x * 4 + 3];
+      }
+      k.pixels_to_ycc(rgb, 3, 0, out[0], out[1], out[2], uint32_t(w));
     } else {  // RGB as it stands, red first
       for (int x = 0; x < w; ++x) {
         out[0][x] = src[x * m_srcChannels + red];

@@ -232,3 +232,54 @@ TEST(JpegEncoder, ProgressiveScriptDecodesWithPeerAndOurs) {
 }
 
 }  // namespace
+
+namespace {
+
+// Four-component frames: CMYK as it stands and YCCK (the inks' complements
+// as YCbCr, K apart), baseline and progressive (the 18-scan script); the
+// peer and we read them back as CMYK.
+TEST(JpegEncoder, CmykAndYcckFrames) {
+  struct Case {
+    JCOLOR colour;
+    JMODE mode;
+    JSS sampling;
+    int adobeTransform, scans;
+  };
+  const Case cases[] = {{JC_CMYK, JPEG_BASELINE, JS_444, 0, 1},
+                        {JC_YCCK, JPEG_BASELINE, JS_411, 2, 1},
+                        {JC_CMYK, JPEG_PROGRESSIVE, JS_444, 0, 18},
+                        {JC_YCCK, JPEG_PROGRESSIVE, JS_422, 2, 18}};
+  const int w = 61, h = 37;
+  const Image a = jpegpeer::Scene(w, h, 3, 21), b = jpegpeer::Scene(w, h, 1, 22);
+  std::vector<uint8_t> cmyk(size_t(w) * h * 4);
+  for (size_t i = 0; i < size_t(w) * h; ++i) {
+    for (int c = 0; c < 3; ++c) cmyk[i * 4 + c] = a.pixels[i * 3 + c];
+    cmyk[i * 4 + 3] = b.pixels[i];
+  }
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << "colour " << c.colour << " mode " << c.mode);
+    std::vector<uint8_t> out(cmyk.size() * 2 + 4096);
+    CMemBuffOutput stream;
+    stream.Open(out.data(), uint32_t(out.size()));
+    CJPEGEncoder enc;
+    ASSERT_EQ(enc.SetSource(cmyk.data(), w * 4, {w, h}, 4, JC_CMYK, JS_444, 8), JPEG_OK);
+    ASSERT_EQ(enc.SetDestination(&stream), JPEG_OK);
+    ASSERT_EQ(enc.SetParams(c.mode, c.colour, c.sampling, 0, false, 95), JPEG_OK);
+    ASSERT_EQ(enc.WriteHeader(), JPEG_OK);
+    ASSERT_EQ(enc.WriteData(), JPEG_OK);
+    out.resize(stream.m_position);
+    // APP14 "Adobe" with the transform flag in its last byte.
+    ASSERT_EQ(out[3], 0xEE);
+    EXPECT_EQ(out[2 + 2 + 14 - 1], c.adobeTransform);
+    EXPECT_EQ(CountMarkers(out, 0xDA), c.scans);
+    Image theirs;
+    ASSERT_TRUE(jpegpeer::Decode(out, theirs));
+    ASSERT_EQ(theirs.channels, 4);
+    EXPECT_GT(jpegpeer::Psnr(cmyk, theirs.pixels), 30.0);
+    Image ours;
+    ASSERT_EQ(DecodeOurs(out, ours, 4), JPEG_OK);
+    EXPECT_LE(jpegpeer::MaxDifference(ours.pixels, theirs.pixels), 1);
+  }
+}
+
+}  // namespace

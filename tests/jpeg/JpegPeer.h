@@ -75,7 +75,7 @@ inline bool Decode(const std::vector<uint8_t>& stream, Image& out, bool toGrey =
   jpeg_create_decompress(&d);
   jpeg_mem_src(&d, stream.data(), static_cast<unsigned long>(stream.size()));
   jpeg_read_header(&d, TRUE);
-  d.out_color_space = (toGrey || d.num_components == 1) ? JCS_GRAYSCALE : JCS_RGB;
+  d.out_color_space = (toGrey || d.num_components == 1) ? JCS_GRAYSCALE : d.num_components == 4 ? JCS_CMYK : JCS_RGB;
   d.dct_method = JDCT_ISLOW;
   jpeg_start_decompress(&d);
   out.width = int(d.output_width);

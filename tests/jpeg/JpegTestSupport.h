@@ -52,9 +52,10 @@ inline JERRCODE DecodeOursFrom(CBaseStreamInput& stream, jpegpeer::Image& out, i
   out.width = w;
   out.height = h;
   out.channels = channels ? channels : (ch == 1 ? 1 : 3);
+  const JCOLOR outColour = out.channels == 1 ? JC_GRAY : out.channels == 4 ? JC_CMYK : JC_RGB;
   out.pixels.assign(size_t(w) * h * out.channels, 0);
   s = dec.SetDestination(out.pixels.data(), w * out.channels, {w, h}, out.channels,
-                         out.channels == 1 ? JC_GRAY : JC_RGB, JS_444, precision, 1);
+                         outColour, JS_444, precision, 1);
   if (s == JPEG_OK) s = dec.ReadData();
   return s;
 }

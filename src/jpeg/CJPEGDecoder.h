@@ -34,7 +34,9 @@ class CJPEGDecoder {
 
   JERRCODE SetSource(CBaseStreamInput* stream);
   JERRCODE ReadHeader(int* width, int* height, int* channels, JCOLOR* colour, JSS* sampling, int* precision);
-  // dctScale 0 or 1: full size; 2, 4, 8: output reduced by that factor.
+  // dctScale 0 or 1: full size; 2, 4, 8: output reduced by that factor
+  // (ceil(width / scale) x ceil(height / scale)); lossless frames come out
+  // at full size whatever the scale.
   JERRCODE SetDestination(uint8_t* pointer, int step, IppiSize size, int channels, JCOLOR colour, JSS sampling,
                           int precision, int dctScale);
   JERRCODE ReadData();
@@ -80,6 +82,9 @@ class CJPEGDecoder {
   JERRCODE WriteOutput();
   void TransformPlanes();
   void ConvertRows();
+  void ConvertRowsReduced();
+  void ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const;
+  int RowScratchBytes() const;
   int16_t* Block(int component, int bx, int by) {
     const CJPEGColorComponent& c = m_comp[component];
     return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;

@@ -70,101 +70,133 @@ void CJPEGDecoder::TransformPlanes() {
   }
 }
 
-void CJPEGDecoder::ConvertRows() {
+void CJPEGDecoder::ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const {
   const JpegKernels& k = Kernels();
-  const int width = m_width, height = m_height;
+  const int width = m_width;
   const uint32_t red = m_dstColour == JC_RGB ? 0 : 2, bytes = uint32_t(m_dstChannels);
-  int rowBytes = 0;
+  const uint8_t* row[4] = {};
+  for (int c = 0; c < m_channels; ++c) {
+    const CJPEGColorComponent& comp = m_comp[c];
+    const uint8_t* plane = m_plane[c];
+    const int stride = m_planeStride[c];
+    uint8_t* buf = scratch + size_t(rowBytes) * c;
+    if (comp.h == m_hmax && comp.v == m_vmax) {
+      row[c] = plane + size_t(y) * stride;
+    } else if (m_hmax == 2 * comp.h && m_vmax == comp.v) {
+      k.up_h2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
+      row[c] = buf;
+    } else if (m_hmax == 2 * comp.h && m_vmax == 2 * comp.v) {
+      const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+      k.up_h2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
+      row[c] = buf;
+    } else if (m_hmax == comp.h && m_vmax == 2 * comp.v) {
+      // The triangle filter down the column: 3 parts of the nearer row, 1 of the farther.
+      const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+      const uint8_t* n = plane + size_t(cy) * stride;
+      const uint8_t* f = plane + size_t(far) * stride;
+      const int bias = (y & 1) ? 2 : 1;
+      for (int x = 0; x < comp.width; ++x) buf[x] = uint8_t((3 * n[x] + f[x] + bias) >> 2);
+      row[c] = buf;
+    } else {
+      const uint8_t* src = plane + size_t(y * comp.v / m_vmax) * stride;
+      for (int x = 0; x < width; ++x) buf[x] = src[x * comp.h / m_hmax];
+      row[c] = buf;
+    }
+  }
+  if (m_dstChannels == 1) {
+    std::memcpy(dst, row[0], size_t(width));
+  } else if (m_channels == 1) {
+    for (int x = 0; x < width; ++x) {
+      std::memset(dst + x * bytes, row[0][x], 3);
+      if (bytes == 4) dst[x * 4 + 3] = 255;
+    }
+  } else if (m_colour == JC_YCBCR) {
+    k.ycc_to_pixels(row[0], row[1], row[2], dst, bytes, red, uint32_t(width));
+  } else if (m_channels == 3) {
+    for (int x = 0; x < width; ++x) {
+      dst[x * bytes + red] = row[0][x];
+      dst[x * bytes + 1] = row[1][x];
+      dst[x * bytes + 2 - red] = row[2][x];
+      if (bytes == 4) dst[x * 4 + 3] = 255;
+    }
+  } else if (m_colour == JC_YCCK) {  // Y, Cb, Cr made CMY; K as it stands
+    uint8_t* rgb = scratch + size_t(rowBytes) * 4;
+    k.ycc_to_pixels(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
+    for (int x = 0; x < width; ++x) {
+      for (int i = 0; i < 3; ++i) dst[x * 4 + i] = uint8_t(255 - rgb[x * 3 + i]);
+      dst[x * 4 + 3] = row[3][x];
+    }
+  } else {  // four components as stored
+    for (int x = 0; x < width; ++x)
+      for (int i = 0; i < 4; ++i) dst[x * 4 + i] = row[i][x];
+  }
+}
+
+int CJPEGDecoder::RowScratchBytes() const {
+  int rowBytes = m_width * 4 + 64;
   for (int c = 0; c < m_channels; ++c) rowBytes = std::max(rowBytes, 2 * m_comp[c].width + 64);
-  rowBytes = std::max(rowBytes, width + 64);
+  return rowBytes;
+}
+
+void CJPEGDecoder::ConvertRows() {
+  const int rowBytes = RowScratchBytes(), height = m_height;
 #pragma omp parallel num_threads(m_threads)
   {
-    std::vector<uint8_t> scratch(size_t(rowBytes) * 5);
+    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
 #pragma omp for schedule(static)
-    for (int y = 0; y < height; ++y) {
-      const uint8_t* row[4] = {};
-      for (int c = 0; c < m_channels; ++c) {
-        const CJPEGColorComponent& comp = m_comp[c];
-        const uint8_t* plane = m_plane[c];
-        const int stride = m_planeStride[c];
-        uint8_t* buf = scratch.data() + size_t(rowBytes) * c;
-        if (comp.h == m_hmax && comp.v == m_vmax) {
-          row[c] = plane + size_t(y) * stride;
-        } else if (m_hmax == 2 * comp.h && m_vmax == comp.v) {
-          k.up_h2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
-          row[c] = buf;
-        } else if (m_hmax == 2 * comp.h && m_vmax == 2 * comp.v) {
-          const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
-          k.up_h2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
-          row[c] = buf;
-        } else if (m_hmax == comp.h && m_vmax == 2 * comp.v) {
-          // The triangle filter down the column: 3 parts of the nearer row, 1 of the farther.
-          const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
-          const uint8_t* n = plane + size_t(cy) * stride;
-          const uint8_t* f = plane + size_t(far) * stride;
-          const int bias = (y & 1) ? 2 : 1;
-          for (int x = 0; x < comp.width; ++x) buf[x] = uint8_t((3 * n[x] + f[x] + bias) >> 2);
-          row[c] = buf;
-        } else {
-          const uint8_t* src = plane + size_t(y * comp.v / m_vmax) * stride;
-          for (int x = 0; x < width; ++x) buf[x] = src[x * comp.h / m_hmax];
-          row[c] = buf;
-        }
+    for (int y = 0; y < height; ++y) ConvertRow(y, m_dst + size_t(y) * m_dstStep, scratch.data(), rowBytes);
+  }
+}
+
+// Reduced output: each output pixel is the rounded mean of the scale x scale
+// pixels it covers (fewer at the right and bottom edges).
+void CJPEGDecoder::ConvertRowsReduced() {
+  const int rowBytes = RowScratchBytes(), scale = m_dctScale, bytes = m_dstChannels;
+  const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
+#pragma omp parallel num_threads(m_threads)
+  {
+    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
+    std::vector<uint32_t> sums(size_t(outW) * bytes);
+#pragma omp for schedule(static)
+    for (int oy = 0; oy < outH; ++oy) {
+      std::fill(sums.begin(), sums.end(), 0u);
+      const int y0 = oy * scale, y1 = std::min(m_height, y0 + scale);
+      uint8_t* full = scratch.data() + size_t(rowBytes) * 5;
+      for (int y = y0; y < y1; ++y) {
+        ConvertRow(y, full, scratch.data(), rowBytes);
+        for (int x = 0; x < m_width; ++x)
+          for (int i = 0; i < bytes; ++i) sums[size_t(x / scale) * bytes + i] += full[size_t(x) * bytes + i];
       }
-      uint8_t* dst = m_dst + size_t(y) * m_dstStep;
-      if (m_dstChannels == 1) {
-        std::memcpy(dst, row[0], size_t(width));
-      } else if (m_channels == 1) {
-        for (int x = 0; x < width; ++x) {
-          std::memset(dst + x * bytes, row[0][x], 3);
-          if (bytes == 4) dst[x * 4 + 3] = 255;
-        }
-      } else if (m_colour == JC_YCBCR) {
-        k.ycc_to_pixels(row[0], row[1], row[2], dst, bytes, red, uint32_t(width));
-      } else if (m_channels == 3 && m_colour != JC_YCBCR) {
-        for (int x = 0; x < width; ++x) {
-          dst[x * bytes + red] = row[0][x];
-          dst[x * bytes + 1] = row[1][x];
-          dst[x * bytes + 2 - red] = row[2][x];
-          if (bytes == 4) dst[x * 4 + 3] = 255;
-        }
-      } else {  // four components as stored (CMYK; YCCK's Y, Cb, Cr made CMY)
-        if (m_colour == JC_YCCK) {
-          uint8_t* rgb = scratch.data() + size_t(rowBytes) * 4;
-          k.ycc_to_pixels(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
-          for (int x = 0; x < width; ++x) {
-            for (int i = 0; i < 3; ++i) dst[x * 4 + i] = uint8_t(255 - rgb[x * 3 + i]);
-            dst[x * 4 + 3] = row[3][x];
-          }
-        } else {
-          for (int x = 0; x < width; ++x)
-            for (int i = 0; i < 4; ++i) dst[x * 4 + i] = row[i][x];
-        }
+      uint8_t* dst = m_dst + size_t(oy) * m_dstStep;
+      for (int ox = 0; ox < outW; ++ox) {
+        const uint32_t n = uint32_t((y1 - y0) * (std::min(m_width, (ox + 1) * scale) - ox * scale));
+        for (int i = 0; i < bytes; ++i) dst[size_t(ox) * bytes + i] = uint8_t((sums[size_t(ox) * bytes + i] + n / 2) / n);
       }
     }
   }
 }
 
 JERRCODE CJPEGDecoder::WriteOutput() {
-  const int sampleBytes = m_precision > 8 ? 2 : 1;
-  if (m_dstSize.width < m_width || m_dstSize.height < m_height ||
-      int64_t(m_dstStep) < int64_t(m_width) * m_dstChannels * sampleBytes)
+  const int sampleBytes = m_precision > 8 ? 2 : 1, scale = m_mode == JPEG_LOSSLESS ? 1 : m_dctScale;
+  const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
+  if (m_dstSize.width < outW || m_dstSize.height < outH || int64_t(m_dstStep) < int64_t(outW) * m_dstChannels * sampleBytes)
     return JPEG_BAD_PARAMETER;
-  if (m_mode == JPEG_LOSSLESS) {
-    if (m_dctScale != 1) return JPEG_NOT_IMPLEMENTED;
+  if (m_mode == JPEG_LOSSLESS) {  // no transform to reduce: full size whatever the scale
     WriteLosslessRows();
     return JPEG_OK;
   }
   for (int c = 0; c < m_channels; ++c)
     if (!m_quantDefined[m_comp[c].quantTable]) return JPEG_BAD_QUANT_SEGMENT;
-  if (m_dctScale != 1) return JPEG_NOT_IMPLEMENTED;
   // Grey goes to any layout, three components to three or four bytes, four
   // components to four; one channel takes the first component.
   const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||
                     (m_channels == 4 && m_dstChannels == 4);
   if (!fits) return JPEG_NOT_IMPLEMENTED;
   TransformPlanes();
-  ConvertRows();
+  if (scale > 1)
+    ConvertRowsReduced();
+  else
+    ConvertRows();
   return JPEG_OK;
 }
 

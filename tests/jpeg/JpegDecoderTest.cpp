@@ -206,3 +206,38 @@ TEST(JpegDecoder, GreyAndBgrOutputsOfAColourFrame) {
 }
 
 }  // namespace
+
+namespace {
+
+// Reduced output: ceil(size / scale) pixels each way, each the rounded mean of
+// the full-size pixels it covers.
+TEST(JpegDecoder, ReducedOutputAveragesTheFullFrame) {
+  const Image im = jpegpeer::Scene(101, 75, 3, 13);
+  const std::vector<uint8_t> stream = jpegpeer::Encode(im, jpegpeer::EncodeOptions{});
+  Image full;
+  ASSERT_EQ(DecodeOurs(stream, full), JPEG_OK);
+  for (int scale : {2, 4, 8}) {
+    const int ow = (101 + scale - 1) / scale, oh = (75 + scale - 1) / scale;
+    std::vector<uint8_t> out(size_t(ow) * oh * 3);
+    CMemBuffInput in;
+    in.Open(stream.data(), uint32_t(stream.size()));
+    CJPEGDecoder dec;
+    ASSERT_EQ(dec.SetSource(&in), JPEG_OK);
+    ASSERT_EQ(dec.ReadHeader(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), JPEG_OK);
+    // The destination must hold the reduced frame.
+    EXPECT_EQ(dec.SetDestination(out.data(), ow * 3, {ow, oh}, 3, JC_RGB, JS_444, 8, 3), JPEG_BAD_PARAMETER);
+    ASSERT_EQ(dec.SetDestination(out.data(), ow * 3, {ow, oh}, 3, JC_RGB, JS_444, 8, scale), JPEG_OK);
+    ASSERT_EQ(dec.ReadData(), JPEG_OK);
+    for (int oy = 0; oy < oh; ++oy)
+      for (int ox = 0; ox < ow; ++ox)
+        for (int c = 0; c < 3; ++c) {
+          uint32_t sum = 0, n = 0;
+          for (int y = oy * scale; y < std::min(75, oy * scale + scale); ++y)
+            for (int x = ox * scale; x < std::min(101, ox * scale + scale); ++x, ++n)
+              sum += full.pixels[(size_t(y) * 101 + x) * 3 + c];
+          ASSERT_EQ(out[(size_t(oy) * ow + ox) * 3 + c], (sum + n / 2) / n) << scale << ": " << ox << "," << oy;
+        }
+  }
+}
+
+}  // namespace

@@ -58,6 +58,8 @@ class CJPEGEncoder {
   void TransformAll();
   JERRCODE CodeRow(int mcuRow, int& restartsLeft, int& nextRestart);
   JERRCODE CodeSequential();
+  JERRCODE FlushBits();
+  JERRCODE WriteRestartMarker(int& nextRestart);
   void OptimiseTables();
   JERRCODE WriteProgressive();
   JERRCODE WriteLossless();

@@ -8,24 +8,9 @@
 #include <cstring>
 
 #include "jpeg/CJPEGDecoder.h"
+#include "jpeg/LosslessPredict.h"
 
 namespace kestrelink::jpeg {
-namespace {
-
-inline int32_t Predict(int predictor, int32_t ra, int32_t rb, int32_t rc) {
-  switch (predictor) {
-    case 1: return ra;
-    case 2: return rb;
-    case 3: return rc;
-    case 4: return ra + rb - rc;
-    case 5: return ra + ((rb - rc) >> 1);
-    case 6: return rb + ((ra - rc) >> 1);
-    case 7: return (ra + rb) >> 1;
-    default: return 0;
-  }
-}
-
-}  // namespace
 
 JERRCODE CJPEGDecoder::DecodeLosslessScan() {
   const int predictor = m_ss, pt = m_al;
@@ -75,7 +60,7 @@ JERRCODE CJPEGDecoder::DecodeLosslessScan() {
             else if (col == 0)
               prediction = at[-int64_t(stride)];
             else
-              prediction = Predict(predictor, at[-1], at[-int64_t(stride)], at[-int64_t(stride) - 1]);
+              prediction = LosslessPredict(predictor, at[-1], at[-int64_t(stride)], at[-int64_t(stride) - 1]);
             *at = uint16_t(prediction + diff);
           }
       }

@@ -106,15 +106,7 @@ JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) 
   for (int mx = 0; mx < m_mcusX; ++mx) {
     if (m_restartInterval > 0) {
       if (restartsLeft == 0) {
-        if (JERRCODE s = m_out.Reserve(16)) return s;
-        uint8_t* base = m_out.Current();
-        m_state.m_out = base;
-        m_state.PadToByte();
-        m_state.Reset();
-        *m_state.m_out++ = 0xFF;
-        *m_state.m_out++ = uint8_t(0xD0 + nextRestart);
-        m_out.Advance(uint32_t(m_state.m_out - base));
-        nextRestart = (nextRestart + 1) & 7;
+        if (JERRCODE s = WriteRestartMarker(nextRestart)) return s;
         restartsLeft = m_restartInterval;
         for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
       }
@@ -205,13 +197,25 @@ JERRCODE CJPEGEncoder::CodeSequential() {
     }
   }
   if (status != JPEG_OK) return status;
-  // Pending bits go out with at least 128 bytes free.
+  return FlushBits();
+}
+
+JERRCODE CJPEGEncoder::FlushBits() {
+  // Pending bits go out, the last byte padded with ones, with at least 128 bytes free.
   if (JERRCODE s = m_out.Reserve(128)) return s;
   uint8_t* base = m_out.Current();
   m_state.m_out = base;
   m_state.PadToByte();
+  m_state.Reset();
   m_out.Advance(uint32_t(m_state.m_out - base));
   return JPEG_OK;
+}
+
+JERRCODE CJPEGEncoder::WriteRestartMarker(int& nextRestart) {
+  if (JERRCODE s = FlushBits()) return s;
+  const uint8_t marker[2] = {0xFF, uint8_t(0xD0 + nextRestart)};
+  nextRestart = (nextRestart + 1) & 7;
+  return m_out.WriteBytes(marker, 2);
 }
 
 JERRCODE CJPEGEncoder::WriteData() {

@@ -7,23 +7,9 @@
 #include <vector>
 
 #include "jpeg/CJPEGEncoder.h"
+#include "jpeg/LosslessPredict.h"
 
 namespace kestrelink::jpeg {
-namespace {
-
-inline int32_t Predict(int predictor, int32_t ra, int32_t rb, int32_t rc) {
-  switch (predictor) {
-    case 1: return ra;
-    case 2: return rb;
-    case 3: return rc;
-    case 4: return ra + rb - rc;
-    case 5: return ra + ((rb - rc) >> 1);
-    case 6: return rb + ((ra - rc) >> 1);
-    default: return (ra + rb) >> 1;
-  }
-}
-
-}  // namespace
 
 JERRCODE CJPEGEncoder::SetParamsLossless(JMODE mode, JCOLOR colour, int precision, int predictor,
                                          int pointTransform, bool huffmanOptimise, int restartInterval) {
@@ -89,7 +75,7 @@ void CJPEGEncoder::LosslessDifferences(std::vector<uint16_t>& diffs) {
         else if (x == 0)
           prediction = sample(x, y - 1, c);
         else
-          prediction = Predict(m_predictor, sample(x - 1, y, c), sample(x, y - 1, c), sample(x - 1, y - 1, c));
+          prediction = LosslessPredict(m_predictor, sample(x - 1, y, c), sample(x, y - 1, c), sample(x - 1, y - 1, c));
         diffs[(size_t(y) * w + x) * n + c] = uint16_t(sample(x, y, c) - prediction);
       }
   }
@@ -121,20 +107,16 @@ JERRCODE CJPEGEncoder::WriteLossless() {
   const int n = m_jpegChannels;
   int restartsLeft = m_restartInterval, nextRestart = 0;
   for (size_t m = 0; m < mcus; ++m) {
-    if (JERRCODE s = m_out.Reserve(64)) return s;
-    uint8_t* base = m_out.Current();
-    m_state.m_out = base;
     if (m_restartInterval > 0) {
       if (restartsLeft == 0) {
-        m_state.PadToByte();
-        m_state.Reset();
-        *m_state.m_out++ = 0xFF;
-        *m_state.m_out++ = uint8_t(0xD0 + nextRestart);
-        nextRestart = (nextRestart + 1) & 7;
+        if (JERRCODE s = WriteRestartMarker(nextRestart)) return s;
         restartsLeft = m_restartInterval;
       }
       --restartsLeft;
     }
+    if (JERRCODE s = m_out.Reserve(64)) return s;
+    uint8_t* base = m_out.Current();
+    m_state.m_out = base;
     for (int c = 0; c < n; ++c) {
       const uint16_t d = diffs[m * n + c];
       const uint32_t t = category(d);
@@ -143,12 +125,7 @@ JERRCODE CJPEGEncoder::WriteLossless() {
     }
     m_out.Advance(uint32_t(m_state.m_out - base));
   }
-  if (JERRCODE s = m_out.Reserve(128)) return s;
-  uint8_t* base = m_out.Current();
-  m_state.m_out = base;
-  m_state.PadToByte();
-  m_out.Advance(uint32_t(m_state.m_out - base));
-  return JPEG_OK;
+  return FlushBits();
 }
 
 }  // namespace kestrelink::jpeg

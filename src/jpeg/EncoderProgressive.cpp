@@ -198,16 +198,10 @@ JERRCODE CJPEGEncoder::WriteProgressive() {
             if (!counting) m_out.Advance(uint32_t(m_state.m_out - base));
           }
           if (!counting) {
-            if (JERRCODE s = m_out.Reserve(16)) return s;
-            uint8_t* base = m_out.Current();
-            m_state.m_out = base;
-            m_state.PadToByte();
-            m_state.Reset();
-            *m_state.m_out++ = 0xFF;
-            *m_state.m_out++ = uint8_t(0xD0 + nextRestart);
-            m_out.Advance(uint32_t(m_state.m_out - base));
+            if (JERRCODE s = WriteRestartMarker(nextRestart)) return s;
+          } else {
+            nextRestart = (nextRestart + 1) & 7;
           }
-          nextRestart = (nextRestart + 1) & 7;
           restartsLeft = m_restartInterval;
           for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
         }
@@ -273,8 +267,8 @@ JERRCODE CJPEGEncoder::WriteProgressive() {
           tables[t].Init(bits, values, n);
         }
       } else {
-        m_state.PadToByte();
         m_out.Advance(uint32_t(m_state.m_out - base));
+        if (JERRCODE s = FlushBits()) return s;
       }
     }
   }

@@ -66,8 +66,8 @@ void BuildOptimalHuffman(const uint32_t freqIn[256], uint8_t bits[16], uint8_t v
     }
   }
   int i = 16;
-  while (lengthCount[i] == 0) --i;
-  lengthCount[i] -= 1;  // drop the reserved symbol
+  while (i > 0 && lengthCount[i] == 0) --i;
+  if (i > 0) lengthCount[i] -= 1;  // drop the reserved symbol (an unused table has none)
   for (int n = 0; n < 16; ++n) bits[n] = uint8_t(lengthCount[n + 1]);
   count = 0;
   for (int len = 1; len <= 32; ++len)

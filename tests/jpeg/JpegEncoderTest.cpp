@@ -283,3 +283,41 @@ TEST(JpegEncoder, CmykAndYcckFrames) {
 }
 
 }  // namespace
+
+namespace {
+
+// Optimal tables: no code longer than 16 bits, none all ones, every counted
+// symbol coded, an unused table empty.
+TEST(JpegEncoder, OptimalHuffmanTables) {
+  struct Case {
+    const char* name;
+    std::vector<uint32_t> counts;  // counts of symbols 0, 1, 2, ...
+  };
+  std::vector<uint32_t> fibonacci(40);
+  fibonacci[0] = fibonacci[1] = 1;
+  for (size_t i = 2; i < fibonacci.size(); ++i) fibonacci[i] = fibonacci[i - 1] + fibonacci[i - 2];
+  const Case cases[] = {{"unused", {}}, {"one symbol", {5}}, {"two symbols", {5, 1}},
+                        {"skewed past 16 bits", fibonacci}, {"flat", std::vector<uint32_t>(256, 3)}};
+  for (const Case& c : cases) {
+    uint32_t freq[256] = {};
+    for (size_t i = 0; i < c.counts.size(); ++i) freq[i] = c.counts[i];
+    uint8_t bits[16], values[256];
+    int count = -1;
+    BuildOptimalHuffman(freq, bits, values, count);
+    int total = 0;
+    for (int i = 0; i < 16; ++i) total += bits[i];
+    EXPECT_EQ(total, count) << c.name;
+    EXPECT_EQ(count, int(c.counts.size())) << c.name;
+    CJPEGEncoderHuffmanTable t;
+    ASSERT_TRUE(t.Init(bits, values, count)) << c.name;
+    // Kraft sum strictly below 1: no code is all ones.
+    double kraft = 0;
+    for (int len = 1; len <= 16; ++len) kraft += bits[len - 1] / double(1 << len);
+    if (count) {
+      EXPECT_LT(kraft, 1.0) << c.name;
+    }
+    for (size_t s = 0; s < c.counts.size(); ++s) EXPECT_GT(t.m_length[s], 0) << c.name << " symbol " << s;
+  }
+}
+
+}  // namespace

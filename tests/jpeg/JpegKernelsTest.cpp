@@ -19,25 +19,24 @@ using namespace kestrelink::jpeg;
 
 double Basis(int k, int n) { return (k == 0 ? std::sqrt(0.125) : 0.5) * std::cos((2 * n + 1) * k * M_PI / 16); }
 
-void ForwardExact(const double in[64], double out[64]) {
-  for (int v = 0; v < 8; ++v)
-    for (int u = 0; u < 8; ++u) {
+// The separable 2-D transforms: along the rows, then down the columns.
+void Separable(const double in[64], double out[64], bool forward) {
+  double mid[64];
+  for (int r = 0; r < 8; ++r)
+    for (int o = 0; o < 8; ++o) {
       double s = 0;
-      for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x) s += in[y * 8 + x] * Basis(v, y) * Basis(u, x);
-      out[v * 8 + u] = s;
+      for (int i = 0; i < 8; ++i) s += in[r * 8 + i] * (forward ? Basis(o, i) : Basis(i, o));
+      mid[r * 8 + o] = s;
+    }
+  for (int c = 0; c < 8; ++c)
+    for (int o = 0; o < 8; ++o) {
+      double s = 0;
+      for (int i = 0; i < 8; ++i) s += mid[i * 8 + c] * (forward ? Basis(o, i) : Basis(i, o));
+      out[o * 8 + c] = s;
     }
 }
-
-void InverseExact(const double in[64], double out[64]) {
-  for (int y = 0; y < 8; ++y)
-    for (int x = 0; x < 8; ++x) {
-      double s = 0;
-      for (int v = 0; v < 8; ++v)
-        for (int u = 0; u < 8; ++u) s += in[v * 8 + u] * Basis(v, y) * Basis(u, x);
-      out[y * 8 + x] = s;
-    }
-}
+void ForwardExact(const double in[64], double out[64]) { Separable(in, out, true); }
+void InverseExact(const double in[64], double out[64]) { Separable(in, out, false); }
 
 TEST(JpegKernels, InverseTransformMeetsIeee1180Bounds) {
   for (auto variant : testsupport::RunnableVariants()) {

@@ -1,13 +1,10 @@
 // Encoder data: each MCU row is colour-converted, downsampled, transformed
 // and quantised into the components' coefficient blocks; the entropy coder
-// then writes the rows in order. With a team, rows are taken from a shared
-// counter and a row is coded once the row before it has been.
-#include <omp.h>
+// then writes the rows in order. With a team, the rows go round the threads
+// and each is coded, in an ordered section, once the row before it has been.
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
-#include <thread>
 
 #include "jpeg/CJPEGEncoder.h"
 
@@ -174,25 +171,25 @@ JERRCODE CJPEGEncoder::CodeSequential() {
       status = CodeRow(r, restartsLeft, nextRestart);
     }
   } else {
-    // The row pipeline: transforms overlap, rows are coded in order.
-    std::atomic<int> nextRow{0}, codedRows{0};
-    std::atomic<bool> failed{false};
+    // The row pipeline: rows go round the team, their transforms overlap, and
+    // the ordered section codes them one after another in row order.
+    bool failed = false;
 #pragma omp parallel num_threads(m_threads)
     {
       std::vector<uint8_t> scratch;
-      for (;;) {
-        const int r = nextRow.fetch_add(1);
-        if (r >= rows) break;
+#pragma omp for ordered schedule(static, 1)
+      for (int r = 0; r < rows; ++r) {
         TransformRow(r, scratch);
-        while (codedRows.load(std::memory_order_acquire) != r) std::this_thread::yield();
-        if (!failed.load(std::memory_order_relaxed)) {
-          const JERRCODE s = CodeRow(r, restartsLeft, nextRestart);
-          if (s != JPEG_OK) {
-            status = s;
-            failed = true;
+#pragma omp ordered
+        {
+          if (!failed) {
+            const JERRCODE s = CodeRow(r, restartsLeft, nextRestart);
+            if (s != JPEG_OK) {
+              status = s;
+              failed = true;
+            }
           }
         }
-        codedRows.store(r + 1, std::memory_order_release);
       }
     }
   }

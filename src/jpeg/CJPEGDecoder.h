@@ -73,6 +73,8 @@ class CJPEGDecoder {
   JERRCODE DecodeLosslessScan();
   void WriteLosslessRows();
   JERRCODE ProcessRestart();
+  void DecodeMcu(int my, int mx);
+  bool QuantTablesDefined() const;
   void DecodeSequentialBlock(int16_t* coef, CJPEGColorComponent& c);
   void DecodeDcFirst(int16_t* coef, CJPEGColorComponent& c);
   void DecodeDcRefine(int16_t* coef);
@@ -81,6 +83,8 @@ class CJPEGDecoder {
   JERRCODE AllocateCoefficients();
   JERRCODE WriteOutput();
   void TransformPlanes();
+  void MakeDequantTables();
+  void TransformBlockRow(int c, int by);
   void ConvertRows();
   void ConvertRowsReduced();
   void ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const;
@@ -131,6 +135,8 @@ class CJPEGDecoder {
   int m_planeStride[4] = {};
   bool m_coefReady = false;
   bool m_scanned[4] = {};
+  bool m_transformed = false;  // the planes were made while the one scan decoded
+  int32_t m_dequant[4][64] = {};
   int m_threads = 1;
 };
 

@@ -48,13 +48,25 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
   return JPEG_OK;
 }
 
-void CJPEGDecoder::TransformPlanes() {
+void CJPEGDecoder::MakeDequantTables() {
+  for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], m_dequant[c]);
+}
+
+void CJPEGDecoder::TransformBlockRow(int c, int by) {
   const JpegKernels& k = Kernels();
+  const CJPEGColorComponent& comp = m_comp[c];
+  if (by >= comp.usedBlocksY) return;
+  uint8_t* out = m_plane[c] + size_t(by) * 8 * m_planeStride[c];
+  for (int bx = 0; bx < comp.usedBlocksX; ++bx)
+    k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
+}
+
+void CJPEGDecoder::TransformPlanes() {
+  if (m_transformed) return;  // done row by row behind the scan's decoding
   // A component that no scan covered decodes as mid-grey.
   for (int c = 0; c < m_channels; ++c)
     if (!m_scanned[c]) std::memset(m_coef[c], 0, size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64 * sizeof(int16_t));
-  int32_t dequant[4][64];
-  for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], dequant[c]);
+  MakeDequantTables();
   // Every block row of every component is one unit of work.
   int rowStart[5] = {0};
   for (int c = 0; c < m_channels; ++c) rowStart[c + 1] = rowStart[c] + m_comp[c].usedBlocksY;
@@ -63,10 +75,7 @@ void CJPEGDecoder::TransformPlanes() {
   for (int u = 0; u < units; ++u) {
     int c = 0;
     while (u >= rowStart[c + 1]) ++c;
-    const int by = u - rowStart[c];
-    const CJPEGColorComponent& comp = m_comp[c];
-    uint8_t* out = m_plane[c] + size_t(by) * 8 * m_planeStride[c];
-    for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(Block(c, bx, by), dequant[c], out + bx * 8, m_planeStride[c]);
+    TransformBlockRow(c, u - rowStart[c]);
   }
 }
 

@@ -114,6 +114,21 @@ void CJPEGDecoder::DecodeAcRefine(int16_t* coef) {
   }
 }
 
+void CJPEGDecoder::DecodeMcu(int my, int mx) {
+  for (int i = 0; i < m_scanCompCount; ++i) {
+    const int comp = m_scanComps[i];
+    CJPEGColorComponent& c = m_comp[comp];
+    for (int y = 0; y < c.v; ++y)
+      for (int x = 0; x < c.h; ++x) DecodeSequentialBlock(Block(comp, mx * c.h + x, my * c.v + y), c);
+  }
+}
+
+bool CJPEGDecoder::QuantTablesDefined() const {
+  for (int c = 0; c < m_channels; ++c)
+    if (!m_quantDefined[m_comp[c].quantTable]) return false;
+  return true;
+}
+
 JERRCODE CJPEGDecoder::ProcessRestart() {
   // The coder padded its last byte; the marker must follow.
   m_bits.Restart();
@@ -175,6 +190,7 @@ JERRCODE CJPEGDecoder::DecodeScan() {
   };
 
   if (m_scanCompCount == 1) {
+    m_transformed = false;
     // One component: an MCU is one block, over the blocks that hold samples.
     const int comp = m_scanComps[0];
     const CJPEGColorComponent& c = m_comp[comp];
@@ -183,7 +199,29 @@ JERRCODE CJPEGDecoder::DecodeScan() {
         if (JERRCODE s = beforeMcu(bx == 0 && by == 0)) return s;
         decodeBlock(comp, bx, by);
       }
+  } else if (kind == kSequential && m_scanCompCount == m_channels && m_threads > 1 && QuantTablesDefined()) {
+    // A sequential scan of every component: as each MCU row is decoded, its
+    // inverse transform goes to the team as a task, behind the decoding.
+    MakeDequantTables();
+    JERRCODE status = JPEG_OK;
+#pragma omp parallel num_threads(m_threads)
+#pragma omp single
+    {
+      for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
+        for (int mx = 0; mx < m_mcusX && status == JPEG_OK; ++mx) {
+          status = beforeMcu(mx == 0 && my == 0);
+          if (status == JPEG_OK) DecodeMcu(my, mx);
+        }
+        if (status != JPEG_OK) break;
+#pragma omp task firstprivate(my)
+        for (int c = 0; c < m_channels; ++c)
+          for (int y = 0; y < m_comp[c].v; ++y) TransformBlockRow(c, my * m_comp[c].v + y);
+      }
+    }
+    if (status != JPEG_OK) return status;
+    m_transformed = true;
   } else {
+    m_transformed = false;
     for (int my = 0; my < m_mcusY; ++my)
       for (int mx = 0; mx < m_mcusX; ++mx) {
         if (JERRCODE s = beforeMcu(mx == 0 && my == 0)) return s;

@@ -98,43 +98,45 @@ uint64_t NonzeroMask(const int16_t zigzag[64]) {
   return mask;
 }
 
-void EncodeBlock(CJPEGEncoderHuffmanState& state, const int16_t zigzag[64], int32_t& lastDc,
-                 const CJPEGEncoderHuffmanTable& dc, const CJPEGEncoderHuffmanTable& ac) {
+// The symbols of one sequential block in coding order: the DC category with
+// its bits, then each run of zeros (ZRL for every 16) with the level that
+// ends it, and EOB unless the last coefficient is nonzero. `dc(category,
+// bits)` and `ac(symbol, bits, count)` receive them.
+template <class Dc, class Ac>
+inline void WalkBlock(const int16_t zigzag[64], int32_t& lastDc, Dc&& dc, Ac&& ac) {
   const int32_t diff = zigzag[0] - lastDc;
   lastDc = zigzag[0];
-  uint32_t n = MagnitudeBits(diff);
-  state.Put((dc.m_code[n] << n) | MagnitudeCode(diff, n), dc.m_length[n] + n);
+  const uint32_t n = MagnitudeBits(diff);
+  dc(n, MagnitudeCode(diff, n));
   uint64_t mask = NonzeroMask(zigzag) & ~uint64_t(1);
   int last = 0;
   while (mask) {
     const int k = __builtin_ctzll(mask);
     mask &= mask - 1;
     int run = k - last - 1;
-    for (; run >= 16; run -= 16) state.Put(ac.m_code[0xF0], ac.m_length[0xF0]);
+    for (; run >= 16; run -= 16) ac(0xF0u, 0u, 0u);
     const int32_t v = zigzag[k];
-    n = MagnitudeBits(v);
-    const uint32_t symbol = uint32_t(run << 4) | n;
-    state.Put((ac.m_code[symbol] << n) | MagnitudeCode(v, n), ac.m_length[symbol] + n);
+    const uint32_t size = MagnitudeBits(v);
+    ac(uint32_t(run << 4) | size, MagnitudeCode(v, size), size);
     last = k;
   }
-  if (last != 63) state.Put(ac.m_code[0], ac.m_length[0]);
+  if (last != 63) ac(0u, 0u, 0u);
+}
+
+void EncodeBlock(CJPEGEncoderHuffmanState& state, const int16_t zigzag[64], int32_t& lastDc,
+                 const CJPEGEncoderHuffmanTable& dc, const CJPEGEncoderHuffmanTable& ac) {
+  WalkBlock(
+      zigzag, lastDc,
+      [&](uint32_t n, uint32_t bits) { state.Put((dc.m_code[n] << n) | bits, dc.m_length[n] + n); },
+      [&](uint32_t symbol, uint32_t bits, uint32_t n) {
+        state.Put((ac.m_code[symbol] << n) | bits, ac.m_length[symbol] + n);
+      });
 }
 
 void CountBlock(const int16_t zigzag[64], int32_t& lastDc, uint32_t dcFreq[256], uint32_t acFreq[256]) {
-  const int32_t diff = zigzag[0] - lastDc;
-  lastDc = zigzag[0];
-  ++dcFreq[MagnitudeBits(diff)];
-  uint64_t mask = NonzeroMask(zigzag) & ~uint64_t(1);
-  int last = 0;
-  while (mask) {
-    const int k = __builtin_ctzll(mask);
-    mask &= mask - 1;
-    int run = k - last - 1;
-    for (; run >= 16; run -= 16) ++acFreq[0xF0];
-    ++acFreq[(run << 4) | int(MagnitudeBits(zigzag[k]))];
-    last = k;
-  }
-  if (last != 63) ++acFreq[0];
+  WalkBlock(
+      zigzag, lastDc, [&](uint32_t n, uint32_t) { ++dcFreq[n]; },
+      [&](uint32_t symbol, uint32_t, uint32_t) { ++acFreq[symbol]; });
 }
 
 }  // namespace kestrelink::jpeg

@@ -443,6 +443,37 @@ expect_refusal 2 "not one that turns" mirror --axis h --size 2x1 --layout yuv422
 expect_refusal 2 "--axis wants" mirror --axis x --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
 expect_refusal 2 "no PNG form" mirror --axis h --size 1x1 --layout bgrx64 "$work/m3x2.raw" "$work/x.png"
 expect_refusal 1 "frame" mirror --axis v --size 3x3 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+# --- jpeg encode, decode and info -------------------------------------------
+# A flat grey frame is exact through the codec; libavcodec (the ffmpeg tool)
+# reads our streams too; info reports the frame and the progressive script.
+python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([128]) * 24 * 16)' "$work/flat.raw"
+"$tool" jpeg encode --layout gray --size 24x16 --quality 50 "$work/flat.raw" "$work/flat.jpg" >/dev/null ||
+  fail "jpeg encode: exit $?"
+[[ $(hex_at "$work/flat.jpg" 0 4) == "ff d8 ff e0" ]] || fail "jpeg encode: stream starts $(hex_at "$work/flat.jpg" 0 4)"
+[[ $(tail -c 2 "$work/flat.jpg" | od -An -tx1 | tr -d ' \n') == "ffd9" ]] || fail "jpeg encode: no EOI at the end"
+"$tool" jpeg decode "$work/flat.jpg" "$work/flat.png" || fail "jpeg decode: exit $?"
+expect_png "$work/flat.png" 24 16 8 0
+[[ $(png_bytes "$work/flat.png") == "$(printf '80 %.0s' {1..384} | sed 's/ $//')" ]] || fail "jpeg decode of a flat frame"
+if command -v ffmpeg >/dev/null; then
+  ffmpeg -loglevel error -i "$work/flat.jpg" -f rawvideo -pix_fmt gray -y "$work/flat.ff" || fail "ffmpeg refused our stream"
+  cmp -s "$work/flat.raw" "$work/flat.ff" || fail "ffmpeg decodes our flat frame differently"
+fi
+"$tool" jpeg info "$work/flat.jpg" >"$work/info.txt" || fail "jpeg info: exit $?"
+grep -q "^frame: baseline, 24x16, 8 bits, 1 components, gray" "$work/info.txt" || fail "jpeg info: $(head -1 "$work/info.txt")"
+python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes((x * 7 + y * 3 + c * 50) % 256 for y in range(30) for x in range(41) for c in range(3)))' "$work/colour.raw"
+"$tool" jpeg encode --layout bgr24 --size 41x30 --progressive "$work/colour.raw" "$work/colour.jpg" >/dev/null ||
+  fail "jpeg encode --progressive: exit $?"
+"$tool" jpeg info "$work/colour.jpg" >"$work/info.txt" || fail "jpeg info of a progressive stream: exit $?"
+grep -q "^frame: progressive, 41x30, 8 bits, 3 components, YCbCr" "$work/info.txt" || fail "jpeg info: $(head -1 "$work/info.txt")"
+grep -q "^scans: 10" "$work/info.txt" || fail "jpeg info: the progressive script has not 10 scans"
+grep -q "component 1: sampling 2x2" "$work/info.txt" || fail "jpeg info: luma sampling"
+"$tool" jpeg decode "$work/colour.jpg" "$work/colour.png" || fail "jpeg decode of a progressive stream: exit $?"
+expect_png "$work/colour.png" 41 30 8 2
+expect_refusal 2 "missing --layout" jpeg encode --size 4x4 "$work/flat.raw" "$work/x.jpg"
+expect_refusal 1 "frame" jpeg encode --layout bgr24 --size 64x64 "$work/flat.raw" "$work/x.jpg"
+expect_refusal 1 "reading the header" jpeg decode "$work/flat.raw" "$work/x.png"
+head -c 200 "$work/colour.jpg" >"$work/cut.jpg"
+expect_refusal 1 "buffer too small" jpeg decode "$work/cut.jpg" "$work/x.png"
 
 if ((failures)); then
   echo "$failures check(s) failed" >&2

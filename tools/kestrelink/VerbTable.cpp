@@ -1,6 +1,7 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
 #include "CompressVerbs.h"
 #include "DemosaicVerb.h"
+#include "JpegVerb.h"
 #include "MirrorRotateVerbs.h"
 #include "Verbs.h"
 #include "WaveletVerb.h"
@@ -20,6 +21,7 @@ constexpr Verb kVerbs[] = {
      PrintDemosaicUsage},
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
+    {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
     {"rotate", "turn a frame by any angle, right angles as exact copies", RunRotate, PrintRotateUsage},
     {"wavelet", "encode a grey frame with the block wavelet codec, or decode it back", RunWavelet,

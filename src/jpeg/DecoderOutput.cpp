@@ -1,0 +1,212 @@
+// Decoder output: the coefficient store, the inverse transform of every
+// block into the components' planes, then each output row upsampled (the
+// triangle filter for 2 x 1 and 2 x 2 chroma, repetition otherwise) and
+// colour-converted straight into the caller's frame. Both stages run over
+// the OpenMP team.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "jpeg/CJPEGDecoder.h"
+#include "jpeg/JpegKernels.h"
+
+namespace kestrelink::jpeg {
+
+JERRCODE CJPEGDecoder::AllocateCoefficients() {
+  if (m_mode == JPEG_LOSSLESS) {
+    size_t samples = 0;
+    for (int c = 0; c < m_channels; ++c) samples += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    if (!m_planeBuffer.Allocate(samples * sizeof(uint16_t))) return JPEG_OUT_OF_MEMORY;
+    std::memset(m_planeBuffer.Data(), 0, samples * sizeof(uint16_t));
+    uint16_t* at = reinterpret_cast<uint16_t*>(m_planeBuffer.Data());
+    for (int c = 0; c < m_channels; ++c) {
+      m_samples[c] = at;
+      at += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    }
+    return JPEG_OK;
+  }
+  size_t blocks = 0, samples = 0;
+  for (int c = 0; c < m_channels; ++c) {
+    blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+    samples += size_t(m_comp[c].blocksX) * 8 * m_comp[c].blocksY * 8;
+  }
+  if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
+  if (!m_planeBuffer.Allocate(samples)) return JPEG_OUT_OF_MEMORY;
+  // Progressive scans refine the store, so it starts cleared; a sequential
+  // scan writes every block it covers.
+  if (m_mode == JPEG_PROGRESSIVE) std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
+  for (bool& s : m_scanned) s = m_mode == JPEG_PROGRESSIVE;
+  int16_t* coef = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
+  uint8_t* plane = m_planeBuffer.Data();
+  for (int c = 0; c < m_channels; ++c) {
+    m_coef[c] = coef;
+    coef += size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64;
+    m_plane[c] = plane;
+    m_planeStride[c] = m_comp[c].blocksX * 8;
+    plane += size_t(m_planeStride[c]) * m_comp[c].blocksY * 8;
+  }
+  return JPEG_OK;
+}
+
+void CJPEGDecoder::MakeDequantTables() {
+  for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], m_dequant[c]);
+}
+
+void CJPEGDecoder::TransformBlockRow(int c, int by) {
+  const JpegKernels& k = Kernels();
+  const CJPEGColorComponent& comp = m_comp[c];
+  if (by >= comp.usedBlocksY) return;
+  uint8_t* out = m_plane[c] + size_t(by) * 8 * m_planeStride[c];
+  for (int bx = 0; bx < comp.usedBlocksX; ++bx)
+    k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
+}
+
+void CJPEGDecoder::TransformPlanes() {
+  if (m_transformed) return;  // done row by row behind the scan's decoding
+  // A component that no scan covered decodes as mid-grey.
+  for (int c = 0; c < m_channels; ++c)
+    if (!m_scanned[c]) std::memset(m_coef[c], 0, size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64 * sizeof(int16_t));
+  MakeDequantTables();
+  // Every block row of every component is one unit of work.
+  int rowStart[5] = {0};
+  for (int c = 0; c < m_channels; ++c) rowStart[c + 1] = rowStart[c] + m_comp[c].usedBlocksY;
+  const int units = rowStart[m_channels];
+#pragma omp parallel for schedule(static) num_threads(m_threads)
+  for (int u = 0; u < units; ++u) {
+    int c = 0;
+    while (u >= rowStart[c + 1]) ++c;
+    TransformBlockRow(c, u - rowStart[c]);
+  }
+}
+
+void CJPEGDecoder::ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const {
+  const JpegKernels& k = Kernels();
+  const int width = m_width;
+  const uint32_t red = m_dstColour == JC_RGB ? 0 : 2, bytes = uint32_t(m_dstChannels);
+  const uint8_t* row[4] = {};
+  for (int c = 0; c < m_channels; ++c) {
+    const CJPEGColorComponent& comp = m_comp[c];
+    const uint8_t* plane = m_plane[c];
+    const int stride = m_planeStride[c];
+    uint8_t* buf = scratch + size_t(rowBytes) * c;
+    if (comp.h == m_hmax && comp.v == m_vmax) {
+      row[c] = plane + size_t(y) * stride;
+    } else if (m_hmax == 2 * comp.h && m_vmax == comp.v) {
+      k.up_h2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
+      row[c] = buf;
+    } else if (m_hmax == 2 * comp.h && m_vmax == 2 * comp.v) {
+      const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+      k.up_h2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
+      row[c] = buf;
+    } else if (m_hmax == comp.h && m_vmax == 2 * comp.v) {
+      // The triangle filter down the column: 3 parts of the nearer row, 1 of the farther.
+      const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
+      const uint8_t* n = plane + size_t(cy) * stride;
+      const uint8_t* f = plane + size_t(far) * stride;
+      const int bias = (y & 1) ? 2 : 1;
+      for (int x = 0; x < comp.width; ++x) buf[x] = uint8_t((3 * n[x] + f[x] + bias) >> 2);
+      row[c] = buf;
+    } else {
+      const uint8_t* src = plane + size_t(y * comp.v / m_vmax) * stride;
+      for (int x = 0; x < width; ++x) buf[x] = src[x * comp.h / m_hmax];
+      row[c] = buf;
+    }
+  }
+  if (m_dstChannels == 1) {
+    std::memcpy(dst, row[0], size_t(width));
+  } else if (m_channels == 1) {
+    for (int x = 0; x < width; ++x) {
+      std::memset(dst + x * bytes, row[0][x], 3);
+      if (bytes == 4) dst[x * 4 + 3] = 255;
+    }
+  } else if (m_colour == JC_YCBCR) {
+    k.ycc_to_pixels(row[0], row[1], row[2], dst, bytes, red, uint32_t(width));
+  } else if (m_channels == 3) {
+    for (int x = 0; x < width; ++x) {
+      dst[x * bytes + red] = row[0][x];
+      dst[x * bytes + 1] = row[1][x];
+      dst[x * bytes + 2 - red] = row[2][x];
+      if (bytes == 4) dst[x * 4 + 3] = 255;
+    }
+  } else if (m_colour == JC_YCCK) {  // Y, Cb, Cr made CMY; K as it stands
+    uint8_t* rgb = scratch + size_t(rowBytes) * 4;
+    k.ycc_to_pixels(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
+    for (int x = 0; x < width; ++x) {
+      for (int i = 0; i < 3; ++i) dst[x * 4 + i] = uint8_t(255 - rgb[x * 3 + i]);
+      dst[x * 4 + 3] = row[3][x];
+    }
+  } else {  // four components as stored
+    for (int x = 0; x < width; ++x)
+      for (int i = 0; i < 4; ++i) dst[x * 4 + i] = row[i][x];
+  }
+}
+
+int CJPEGDecoder::RowScratchBytes() const {
+  int rowBytes = m_width * 4 + 64;
+  for (int c = 0; c < m_channels; ++c) rowBytes = std::max(rowBytes, 2 * m_comp[c].width + 64);
+  return rowBytes;
+}
+
+void CJPEGDecoder::ConvertRows() {
+  const int rowBytes = RowScratchBytes(), height = m_height;
+#pragma omp parallel num_threads(m_threads)
+  {
+    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
+#pragma omp for schedule(static)
+    for (int y = 0; y < height; ++y) ConvertRow(y, m_dst + size_t(y) * m_dstStep, scratch.data(), rowBytes);
+  }
+}
+
+// Reduced output: each output pixel is the rounded mean of the scale x scale
+// pixels it covers (fewer at the right and bottom edges).
+void CJPEGDecoder::ConvertRowsReduced() {
+  const int rowBytes = RowScratchBytes(), scale = m_dctScale, bytes = m_dstChannels;
+  const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
+#pragma omp parallel num_threads(m_threads)
+  {
+    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
+    std::vector<uint32_t> sums(size_t(outW) * bytes);
+#pragma omp for schedule(static)
+    for (int oy = 0; oy < outH; ++oy) {
+      std::fill(sums.begin(), sums.end(), 0u);
+      const int y0 = oy * scale, y1 = std::min(m_height, y0 + scale);
+      uint8_t* full = scratch.data() + size_t(rowBytes) * 5;
+      for (int y = y0; y < y1; ++y) {
+        ConvertRow(y, full, scratch.data(), rowBytes);
+        for (int x = 0; x < m_width; ++x)
+          for (int i = 0; i < bytes; ++i) sums[size_t(x / scale) * bytes + i] += full[size_t(x) * bytes + i];
+      }
+      uint8_t* dst = m_dst + size_t(oy) * m_dstStep;
+      for (int ox = 0; ox < outW; ++ox) {
+        const uint32_t n = uint32_t((y1 - y0) * (std::min(m_width, (ox + 1) * scale) - ox * scale));
+        for (int i = 0; i < bytes; ++i) dst[size_t(ox) * bytes + i] = uint8_t((sums[size_t(ox) * bytes + i] + n / 2) / n);
+      }
+    }
+  }
+}
+
+JERRCODE CJPEGDecoder::WriteOutput() {
+  const int sampleBytes = m_precision > 8 ? 2 : 1, scale = m_mode == JPEG_LOSSLESS ? 1 : m_dctScale;
+  const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
+  if (m_dstSize.width < outW || m_dstSize.height < outH || int64_t(m_dstStep) < int64_t(outW) * m_dstChannels * sampleBytes)
+    return JPEG_BAD_PARAMETER;
+  if (m_mode == JPEG_LOSSLESS) {  // no transform to reduce: full size whatever the scale
+    WriteLosslessRows();
+    return JPEG_OK;
+  }
+  for (int c = 0; c < m_channels; ++c)
+    if (!m_quantDefined[m_comp[c].quantTable]) return JPEG_BAD_QUANT_SEGMENT;
+  // Grey goes to any layout, three components to three or four bytes, four
+  // components to four; one channel takes the first component.
+  const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||
+                    (m_channels == 4 && m_dstChannels == 4);
+  if (!fits) return JPEG_NOT_IMPLEMENTED;
+  TransformPlanes();
+  if (scale > 1)
+    ConvertRowsReduced();
+  else
+    ConvertRows();
+  return JPEG_OK;
+}
+
+}  // namespace kestrelink::jpeg

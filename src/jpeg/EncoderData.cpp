@@ -1,0 +1,229 @@
+// Encoder data: each MCU row is colour-converted, downsampled, transformed
+// and quantised into the components' coefficient blocks; the entropy coder
+// then writes the rows in order. With a team, the rows go round the threads
+// and each is coded, in an ordered section, once the row before it has been.
+
+#include <algorithm>
+#include <cstring>
+
+#include "jpeg/CJPEGEncoder.h"
+
+namespace kestrelink::jpeg {
+namespace {
+
+// Worst case of one block's bytes, stuffing included.
+constexpr uint32_t kBlockBytes = 640;
+
+}  // namespace
+
+void CJPEGEncoder::TransformRow(int mcuRow, std::vector<uint8_t>& scratch) {
+  const JpegKernels& k = Kernels();
+  const int paddedW = m_mcusX * m_mcuWidth, rows = m_mcuHeight;
+  const size_t planeBytes = size_t(paddedW) * rows;
+  scratch.resize(planeBytes * 2 * 4 + size_t(paddedW) * 3);
+  uint8_t* full[4];
+  uint8_t* down[4];
+  for (int c = 0; c < 4; ++c) {
+    full[c] = scratch.data() + planeBytes * c;
+    down[c] = scratch.data() + planeBytes * (4 + c);
+  }
+  const int w = m_size.width;
+  const uint32_t red = m_srcColour == JC_RGB ? 0 : 2;
+  for (int i = 0; i < rows; ++i) {
+    const int y = std::min(mcuRow * rows + i, m_size.height - 1);
+    const uint8_t* src = m_src + size_t(y) * m_srcStep;
+    uint8_t* out[4];
+    for (int c = 0; c < m_jpegChannels; ++c) out[c] = full[c] + size_t(i) * paddedW;
+    if (m_jpegColour == JC_GRAY) {
+      std::memcpy(out[0], src, size_t(w));
+    } else if (m_jpegColour == JC_YCBCR) {
+      k.pixels_to_ycc(src, uint32_t(m_srcChannels), red, out[0], out[1], out[2], uint32_t(w));
+    } else if (m_jpegColour == JC_CMYK) {
+      for (int x = 0; x < w; ++x)
+        for (int c = 0; c < 4; ++c) out[c][x] = src[x * 4 + c];
+    } else if (m_jpegColour == JC_YCCK) {
+      // The inks' complements are R, G, B; those go to YCbCr, K as it stands.
+      uint8_t* rgb = scratch.data() + planeBytes * 8;  // one row of R, G, B past the planes
+      for (int x = 0; x < w; ++x) {
+        for (int c = 0; c < 3; ++c) rgb[x * 3 + c] = uint8_t(255 - src[x * 4 + c]);
+        out[3][x] = src[x * 4 + 3];
+      }
+      k.pixels_to_ycc(rgb, 3, 0, out[0], out[1], out[2], uint32_t(w));
+    } else {  // RGB as it stands, red first
+      for (int x = 0; x < w; ++x) {
+        out[0][x] = src[x * m_srcChannels + red];
+        out[1][x] = src[x * m_srcChannels + 1];
+        out[2][x] = src[x * m_srcChannels + 2 - red];
+      }
+    }
+    // The padding columns repeat the last pixel.
+    for (int c = 0; c < m_jpegChannels; ++c) std::memset(out[c] + w, out[c][w - 1], size_t(paddedW - w));
+  }
+  const int hmax = m_mcuWidth / 8, vmax = m_mcuHeight / 8;
+  for (int c = 0; c < m_jpegChannels; ++c) {
+    const CJPEGColorComponent& comp = m_comp[c];
+    const uint8_t* plane = full[c];
+    const int stride = comp.blocksX * 8;
+    if (comp.h != hmax || comp.v != vmax) {
+      const int outRows = comp.v * 8;
+      for (int i = 0; i < outRows; ++i) {
+        uint8_t* dst = down[c] + size_t(i) * stride;
+        if (hmax == 2 && vmax == 2)
+          k.down_h2v2(full[c] + size_t(2 * i) * paddedW, full[c] + size_t(2 * i + 1) * paddedW, dst, uint32_t(stride));
+        else
+          k.down_h2v1(full[c] + size_t(i) * paddedW, dst, uint32_t(stride));
+      }
+      plane = down[c];
+    }
+    const ForwardQuant& q = m_quant[comp.quantTable].quant;
+    for (int by = 0; by < comp.v; ++by)
+      for (int bx = 0; bx < comp.blocksX; ++bx)
+        k.fdct_quant(plane + size_t(by) * 8 * stride + bx * 8, stride, q, Block(c, bx, mcuRow * comp.v + by));
+  }
+}
+
+void CJPEGEncoder::TransformAll() {
+  if (m_coefReady) return;
+  const int rows = m_mcusY;
+#pragma omp parallel num_threads(m_threads)
+  {
+    std::vector<uint8_t> scratch;
+#pragma omp for schedule(static)
+    for (int r = 0; r < rows; ++r) TransformRow(r, scratch);
+  }
+  m_coefReady = true;
+}
+
+JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) {
+  const int perMcu = [&] {
+    int n = 0;
+    for (int c = 0; c < m_jpegChannels; ++c) n += m_comp[c].h * m_comp[c].v;
+    return n;
+  }();
+  for (int mx = 0; mx < m_mcusX; ++mx) {
+    if (m_restartInterval > 0) {
+      if (restartsLeft == 0) {
+        if (JERRCODE s = WriteRestartMarker(nextRestart)) return s;
+        restartsLeft = m_restartInterval;
+        for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
+      }
+      --restartsLeft;
+    }
+    if (JERRCODE s = m_out.Reserve(kBlockBytes * uint32_t(perMcu))) return s;
+    uint8_t* base = m_out.Current();
+    m_state.m_out = base;
+    for (int c = 0; c < m_jpegChannels; ++c) {
+      CJPEGColorComponent& comp = m_comp[c];
+      for (int by = 0; by < comp.v; ++by)
+        for (int bx = 0; bx < comp.h; ++bx)
+          EncodeBlock(m_state, Block(c, mx * comp.h + bx, mcuRow * comp.v + by), comp.lastDc,
+                      m_dcTable[comp.dcTable], m_acTable[comp.acTable]);
+    }
+    m_out.Advance(uint32_t(m_state.m_out - base));
+  }
+  return JPEG_OK;
+}
+
+void CJPEGEncoder::OptimiseTables() {
+  TransformAll();
+  uint32_t dc[2][256] = {}, ac[2][256] = {};
+  int left = m_restartInterval;
+  for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
+  for (int my = 0; my < m_mcusY; ++my)
+    for (int mx = 0; mx < m_mcusX; ++mx) {
+      if (m_restartInterval > 0) {
+        if (left == 0) {
+          left = m_restartInterval;
+          for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
+        }
+        --left;
+      }
+      for (int c = 0; c < m_jpegChannels; ++c) {
+        CJPEGColorComponent& comp = m_comp[c];
+        for (int by = 0; by < comp.v; ++by)
+          for (int bx = 0; bx < comp.h; ++bx)
+            CountBlock(Block(c, mx * comp.h + bx, my * comp.v + by), comp.lastDc, dc[comp.dcTable],
+                       ac[comp.acTable]);
+      }
+    }
+  for (int t = 0; t < 2; ++t) {
+    uint8_t bits[16], values[256];
+    int count = 0;
+    BuildOptimalHuffman(dc[t], bits, values, count);
+    m_dcTable[t].Init(bits, values, count);
+    BuildOptimalHuffman(ac[t], bits, values, count);
+    m_acTable[t].Init(bits, values, count);
+  }
+}
+
+JERRCODE CJPEGEncoder::CodeSequential() {
+  int all[4] = {0, 1, 2, 3};
+  if (JERRCODE s = WriteScanHeader(m_jpegChannels, all, 0, m_spectralEnd, 0, 0)) return s;
+  for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = 0;
+  m_state.Reset();
+  int restartsLeft = m_restartInterval, nextRestart = 0;
+  JERRCODE status = JPEG_OK;
+  const int rows = m_mcusY;
+  if (m_coefReady || m_threads <= 1) {
+    std::vector<uint8_t> scratch;
+    for (int r = 0; r < rows && status == JPEG_OK; ++r) {
+      if (!m_coefReady) TransformRow(r, scratch);
+      status = CodeRow(r, restartsLeft, nextRestart);
+    }
+  } else {
+    // The row pipeline: rows go round the team, their transforms overlap, and
+    // the ordered section codes them one after another in row order.
+    bool failed = false;
+#pragma omp parallel num_threads(m_threads)
+    {
+      std::vector<uint8_t> scratch;
+#pragma omp for ordered schedule(static, 1)
+      for (int r = 0; r < rows; ++r) {
+        TransformRow(r, scratch);
+#pragma omp ordered
+        {
+          if (!failed) {
+            const JERRCODE s = CodeRow(r, restartsLeft, nextRestart);
+            if (s != JPEG_OK) {
+              status = s;
+              failed = true;
+            }
+          }
+        }
+      }
+    }
+  }
+  if (status != JPEG_OK) return status;
+  return FlushBits();
+}
+
+JERRCODE CJPEGEncoder::FlushBits() {
+  // Pending bits go out, the last byte padded with ones, with at least 128 bytes free.
+  if (JERRCODE s = m_out.Reserve(128)) return s;
+  uint8_t* base = m_out.Current();
+  m_state.m_out = base;
+  m_state.PadToByte();
+  m_state.Reset();
+  m_out.Advance(uint32_t(m_state.m_out - base));
+  return JPEG_OK;
+}
+
+JERRCODE CJPEGEncoder::WriteRestartMarker(int& nextRestart) {
+  if (JERRCODE s = FlushBits()) return s;
+  const uint8_t marker[2] = {0xFF, uint8_t(0xD0 + nextRestart)};
+  nextRestart = (nextRestart + 1) & 7;
+  return m_out.WriteBytes(marker, 2);
+}
+
+JERRCODE CJPEGEncoder::WriteData() {
+  if (!m_paramsSet) return JPEG_BAD_PARAMETER;
+  JERRCODE status = m_mode == JPEG_PROGRESSIVE ? WriteProgressive()
+                    : m_mode == JPEG_LOSSLESS  ? WriteLossless()
+                                               : CodeSequential();
+  m_coefReady = false;
+  if (status != JPEG_OK) return status;
+  if (JERRCODE s = m_out.WriteWord(0xFFD9)) return s;
+  return m_out.Flush();
+}
+
+}  // namespace kestrelink::jpeg

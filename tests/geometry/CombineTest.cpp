@@ -11,6 +11,7 @@
 #include <string>
 
 #include "geometry/CombineReference.h"
+#include "geometry/rows/CombineYuvRows.h"
 #include "platform/OpenMP.h"
 #include "support/TestSupport.h"
 
@@ -369,3 +370,22 @@ TEST(ImageCombine, MissingFramesAreRefused) {
 }
 
 }  // namespace
+
+// The vector steps of the YUV combines against the portable ones, random
+// bytes, every step count up to a few rounds, unaligned rows.
+TEST(ImageCombine, YuvStepVariantsMatchThePortableSteps) {
+  for (auto v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(v);
+    const auto& k = kestrelink::rows::CombineYuvRows();
+    for (int layout = 0; layout < 4; ++layout)
+      for (uint32_t steps = 0; steps <= 40; ++steps) {
+        SCOPED_TRACE(std::string(kestrelink::VariantName(v)) + " layout " + std::to_string(layout) + " steps " +
+                     std::to_string(steps));
+        const auto src = testsupport::RandomBytes(kestrelink::rows::kYuvStepBytes[layout] * steps + 1, steps + 3);
+        Bytes want = testsupport::RandomBytes(12 * steps + 33, 8), got = want;
+        kestrelink::rows::kCombineYuvPortable.steps[layout](src.data() + 1, want.data() + 1, steps);
+        k.steps[layout](src.data() + 1, got.data() + 1, steps);
+        ASSERT_EQ(want, got);
+      }
+  }
+}

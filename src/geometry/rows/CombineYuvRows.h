@@ -23,10 +23,11 @@ struct CombineYuvKernels {
 };
 
 extern const CombineYuvKernels kCombineYuvPortable;
+extern const CombineYuvKernels kCombineYuvAVX2;
 
 inline const CombineYuvKernels& CombineYuvRows() {
   static const CombineYuvKernels* const slots[kVariantCount] = {&kCombineYuvPortable, nullptr, nullptr,
-                                                                nullptr, nullptr};
+                                                                &kCombineYuvAVX2, nullptr};
   return PickVariant(slots);
 }
 

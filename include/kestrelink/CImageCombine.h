@@ -21,7 +21,9 @@
 // reads and writes up to three pixels past it, as rows done in order would,
 // but nothing past the last byte of either frame. The 16-bit colour members
 // keep rows of four samples a pixel (see each), write three samples of a
-// pixel and never the fourth. Methods answer true.
+// pixel and never the fourth. Methods answer true, but refuse with false,
+// writing nothing, a missing pointer of a frame that places pixels, or sizes
+// whose sum does not fit 32 bits.
 class KESTRELINK_API CImageCombine {
  public:
   // Sets up the thread team.

@@ -19,7 +19,8 @@
 // every form and must be at least 1. Sums hold one integer a sample, four a
 // pixel for the BGRx forms (the fourth unused; their fourth sample is never
 // read or written), and three planes of w * h for the planar forms. Every
-// method answers true.
+// method answers true, but refuses with false, writing nothing, a frame
+// count below 1 or a missing frame, sums or destination pointer.
 class KESTRELINK_API CIppAverageImage {
  public:
   // Sets up the thread team.

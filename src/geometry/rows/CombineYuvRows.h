@@ -24,10 +24,11 @@ struct CombineYuvKernels {
 
 extern const CombineYuvKernels kCombineYuvPortable;
 extern const CombineYuvKernels kCombineYuvAVX2;
+extern const CombineYuvKernels kCombineYuvAVX512;
 
 inline const CombineYuvKernels& CombineYuvRows() {
   static const CombineYuvKernels* const slots[kVariantCount] = {&kCombineYuvPortable, nullptr, nullptr,
-                                                                &kCombineYuvAVX2, nullptr};
+                                                                &kCombineYuvAVX2, &kCombineYuvAVX512};
   return PickVariant(slots);
 }
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 
 #include "convert/rows/YuvFormulaAVX2.h"
+#include "geometry/rows/CombineYuvIndices.h"
 #include "geometry/rows/CombineYuvRows.h"
 
 namespace kestrelink::rows {
@@ -17,48 +18,11 @@ namespace {
 
 using avx2::GreenOffset;
 using avx2::Limit;
-
-constexpr char Z = char(0x80);  // a shuffle index that gives 0
-
-// Shuffle indices, made at compile time and loaded as vectors.
-struct alignas(32) Index32 {
-  char i[32];
-};
-struct alignas(16) Index16 {
-  char i[16];
-};
-
-// Per 128-bit half: the byte of each of eight pixels into its 16-bit lane.
-constexpr Index32 LaneIndex(const char (&at)[8]) {
-  Index32 index{};
-  for (int p = 0; p < 8; ++p) {
-    index.i[2 * p] = index.i[16 + 2 * p] = at[p];
-    index.i[2 * p + 1] = index.i[16 + 2 * p + 1] = Z;
-  }
-  return index;
-}
+using namespace yuvsteps;
 
 inline __m256i Lanes(__m256i bytes, const Index32& index) {
   return _mm256_shuffle_epi8(bytes, _mm256_load_si256(reinterpret_cast<const __m256i*>(index.i)));
 }
-
-// Byte k of 48 output bytes is channel k % 3 of pixel k / 3: the shuffle
-// indices that take each channel's sixteen bytes to their places in each
-// 16-byte output chunk, [chunk][channel].
-struct InterleaveIndices {
-  Index16 at[3][3];
-};
-constexpr InterleaveIndices MakeInterleave() {
-  InterleaveIndices out{};
-  for (int chunk = 0; chunk < 3; ++chunk)
-    for (int channel = 0; channel < 3; ++channel)
-      for (int p = 0; p < 16; ++p) {
-        const int k = 16 * chunk + p;
-        out.at[chunk][channel].i[p] = k % 3 == channel ? char(k / 3) : Z;
-      }
-  return out;
-}
-constexpr InterleaveIndices kInterleave = MakeInterleave();
 
 // The formula on sixteen pixels' Y, U, V lanes, stored as 48 bytes of BGR24.
 inline void Store16(__m256i y, __m256i u, __m256i v, uint8_t* dst) {
@@ -94,11 +58,6 @@ void Pairs(const uint8_t* s, uint8_t* d, uint32_t steps) {
   kCombineYuvPortable.steps[kLayout](s, d, steps - k);
 }
 
-constexpr Index32 kYuv422Y = LaneIndex({0, 2, 4, 6, 8, 10, 12, 14}), kYuv422U = LaneIndex({1, 1, 5, 5, 9, 9, 13, 13}),
-                  kYuv422V = LaneIndex({3, 3, 7, 7, 11, 11, 15, 15});
-constexpr Index32 kUvy422Y = LaneIndex({1, 3, 5, 7, 9, 11, 13, 15}), kUvy422U = LaneIndex({0, 0, 4, 4, 8, 8, 12, 12}),
-                  kUvy422V = LaneIndex({2, 2, 6, 6, 10, 10, 14, 14});
-
 void Yuv422Steps(const uint8_t* s, uint8_t* d, uint32_t steps) {
   Pairs<kYuv422Y, kYuv422U, kYuv422V, kStepYuv422>(s, d, steps);
 }
@@ -109,12 +68,10 @@ void Uvy422Steps(const uint8_t* s, uint8_t* d, uint32_t steps) {
 // 4:1:1: two 6-byte groups a half, loaded at bytes 0 and 12 of the round's
 // 24; the second load reaches 4 bytes into the next step.
 void Uvy411Steps(const uint8_t* s, uint8_t* d, uint32_t steps) {
-  static constexpr Index32 kY = LaneIndex({1, 2, 4, 5, 7, 8, 10, 11}), kU = LaneIndex({0, 0, 0, 0, 6, 6, 6, 6}),
-                           kV = LaneIndex({3, 3, 3, 3, 9, 9, 9, 9});
   uint32_t k = 0;
   for (; k + 5 <= steps; k += 4, s += 24, d += 48) {
     const __m256i bytes = Load2(s, s + 12);
-    Store16(Lanes(bytes, kY), Lanes(bytes, kU), Lanes(bytes, kV), d);
+    Store16(Lanes(bytes, kUvy411Y), Lanes(bytes, kUvy411U), Lanes(bytes, kUvy411V), d);
   }
   kCombineYuvPortable.steps[kStepUvy411](s, d, steps - k);
 }
@@ -122,16 +79,12 @@ void Uvy411Steps(const uint8_t* s, uint8_t* d, uint32_t steps) {
 // 4:4:4: a half's eight pixels are 24 bytes, taken as pixels 0-3 from a load
 // at its byte 0 and pixels 4-7 from a load at its byte 8.
 void Uvy444Steps(const uint8_t* s, uint8_t* d, uint32_t steps) {
-  static constexpr Index32 kYLow = LaneIndex({1, 4, 7, 10, Z, Z, Z, Z}), kULow = LaneIndex({0, 3, 6, 9, Z, Z, Z, Z}),
-                           kVLow = LaneIndex({2, 5, 8, 11, Z, Z, Z, Z});
-  static constexpr Index32 kYHigh = LaneIndex({Z, Z, Z, Z, 5, 8, 11, 14}),
-                           kUHigh = LaneIndex({Z, Z, Z, Z, 4, 7, 10, 13}), kVHigh = LaneIndex({Z, Z, Z, Z, 6, 9, 12, 15});
   uint32_t k = 0;
   for (; k + 4 <= steps; k += 4, s += 48, d += 48) {
     const __m256i low = Load2(s, s + 24), high = Load2(s + 8, s + 32);
-    Store16(_mm256_or_si256(Lanes(low, kYLow), Lanes(high, kYHigh)),
-            _mm256_or_si256(Lanes(low, kULow), Lanes(high, kUHigh)),
-            _mm256_or_si256(Lanes(low, kVLow), Lanes(high, kVHigh)), d);
+    Store16(_mm256_or_si256(Lanes(low, kUvy444YLow), Lanes(high, kUvy444YHigh)),
+            _mm256_or_si256(Lanes(low, kUvy444ULow), Lanes(high, kUvy444UHigh)),
+            _mm256_or_si256(Lanes(low, kUvy444VLow), Lanes(high, kUvy444VHigh)), d);
   }
   kCombineYuvPortable.steps[kStepUvy444](s, d, steps - k);
 }

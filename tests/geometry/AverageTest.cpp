@@ -20,15 +20,6 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Sums = std::vector<int>;
 
-class ScopedTeam {
- public:
-  explicit ScopedTeam(int n) : saved_(kestrelink::platform::TeamSize()) { kestrelink::platform::SetTeamSize(n); }
-  ~ScopedTeam() { kestrelink::platform::SetTeamSize(saved_); }
-
- private:
-  int saved_;
-};
-
 int Sample(const Bytes& f, size_t i, int bytes) { return bytes == 1 ? f[i] : f[2 * i] | f[2 * i + 1] << 8; }
 void Put(Bytes& f, size_t i, int bytes, int v) {
   if (bytes == 1) {
@@ -126,9 +117,9 @@ const int kWidths[] = {1, 5, 7, 33, 300};
 const int kCounts[] = {1, 2, 3, 7, 70};
 
 void CheckFull(int team) {
-  ScopedTeam scoped(team);
+  testsupport::ScopedTeam scoped(team);
   CIppAverageImage avg;
-  kestrelink::platform::SetTeamSize(team);
+  kestrelink::platform::SetTeamSize(team);  // after the constructor, whose thread setup reads the store
   for (const Member& m : Members())
     for (int w : kWidths)
       for (int n : kCounts) {
@@ -318,9 +309,9 @@ void RollingBgrx64Model(int n, int w, int h, int team, int max, const Bytes& in,
 
 TEST(AverageImage, RollingBgrx64KeepsItsOwnSteps) {
   for (int team : {1, 2}) {
-    ScopedTeam scoped(team);
+    testsupport::ScopedTeam scoped(team);
     CIppAverageImage avg;
-    kestrelink::platform::SetTeamSize(team);
+    kestrelink::platform::SetTeamSize(team);  // after the constructor, whose thread setup reads the store
     for (int w : {1, 3, 8}) {
       SCOPED_TRACE("team " + std::to_string(team) + " w " + std::to_string(w));
       const int h = 6, n = 3;

@@ -19,15 +19,6 @@ namespace {
 
 using namespace combinetest;
 
-class ScopedTeam {
- public:
-  explicit ScopedTeam(int n) : saved_(kestrelink::platform::TeamSize()) { kestrelink::platform::SetTeamSize(n); }
-  ~ScopedTeam() { kestrelink::platform::SetTeamSize(saved_); }
-
- private:
-  int saved_;
-};
-
 using Pixel = std::function<void(int frame, const uint8_t* s, uint8_t* d)>;
 
 // Pixel-sized members: pixel i of a frame's row to pixel i of its place.
@@ -227,9 +218,9 @@ const Sizes kSizes[] = {{5, 4, 3, 6}, {7, 3, 9, 2}, {8, 5, 8, 5}, {1, 1, 4, 3}, 
                         {6, 2, 11, 5}, {16, 3, 13, 4}, {3, 5, 1, 1}, {40, 9, 36, 11}};
 
 void CheckAll(int team) {
-  ScopedTeam scoped(team);
+  testsupport::ScopedTeam scoped(team);
   CImageCombine combine;
-  kestrelink::platform::SetTeamSize(team);
+  kestrelink::platform::SetTeamSize(team);  // after the constructor, whose thread setup reads the store
   for (const Member& m : Members())
     for (const Sizes& s : kSizes)
       for (bool side : {true, false}) {

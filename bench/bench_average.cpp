@@ -68,14 +68,14 @@ Span& Bgr24(AverageFrames& f) { return f.bgr24; }
 
 void Full(const std::string& name, Pick pick, int n) {
   const Span& s = pick(Frames());
-  Register(Case{name, kOurs, n * s.sampleBytes * s.samples, (4 + s.sampleBytes) * s.samples, LibraryTeam(),
-                [pick, n](int) {
-                  AverageFrames& f = Frames();
-                  Span& s = pick(f);
-                  const int w = int(f.w), h = int(f.h);
-                  return s.sampleBytes == 2 ? f.avg.Mono16Average(n, w, h, 12, s.pointers.data(), s.Sums(), s.dst.data())
-                                            : f.avg.BGR24Average(n, w, h, s.pointers.data(), s.Sums(), s.dst.data());
-                }});
+  Register(
+      Case{name, kOurs, n * s.sampleBytes * s.samples, (4 + s.sampleBytes) * s.samples, LibraryTeam(), [pick, n](int) {
+             AverageFrames& f = Frames();
+             Span& s = pick(f);
+             const int w = int(f.w), h = int(f.h);
+             return s.sampleBytes == 2 ? f.avg.Mono16Average(n, w, h, 12, s.pointers.data(), s.Sums(), s.dst.data())
+                                       : f.avg.BGR24Average(n, w, h, s.pointers.data(), s.Sums(), s.dst.data());
+           }});
 }
 
 void Rolling(const std::string& name, Pick pick, int n) {
@@ -124,7 +124,8 @@ void OpenCvFull(const std::string& name, Pick pick, int n) {
   Register(Case{name, "opencv", n * s.sampleBytes * s.samples, (4 + s.sampleBytes) * s.samples, OpenCvTeam(),
                 [mats, n](int) {
                   cv::add(mats->frames[0], mats->frames[1], mats->acc, cv::noArray(), CV_32S);
-                  for (int k = 2; k < n; ++k) cv::add(mats->acc, mats->frames[size_t(k)], mats->acc, cv::noArray(), CV_32S);
+                  for (int k = 2; k < n; ++k)
+                    cv::add(mats->acc, mats->frames[size_t(k)], mats->acc, cv::noArray(), CV_32S);
                   mats->acc.convertTo(mats->dst, mats->dst.type(), 1.0 / n);
                   return true;
                 }});

@@ -20,7 +20,7 @@ namespace {
 
 struct CombineFrames : FrameSize {
   uint32_t half = w / 2;
-  FrameBuffer a{8 * pixels / 2}, b{8 * pixels / 2};        // room for the widest source, 8 bytes a pixel
+  FrameBuffer a{8 * pixels / 2}, b{8 * pixels / 2};  // room for the widest source, 8 bytes a pixel
   FrameBuffer planes[2][3] = {{FrameBuffer{pixels}, FrameBuffer{pixels}, FrameBuffer{pixels}},
                               {FrameBuffer{pixels}, FrameBuffer{pixels}, FrameBuffer{pixels}}};
   FrameBuffer whole{8 * pixels};  // the converter's source: both halves' bytes

@@ -1,7 +1,7 @@
 #pragma once
-#include <cstdint>
-
 #include <kestrelink/Export.h>
+
+#include <cstdint>
 
 // Puts two tightly packed frames into one destination, side by side (the
 // first on the left) or one above the other (the first on top). The frames
@@ -115,10 +115,9 @@ class KESTRELINK_API CImageCombine {
   bool BGR48PlanneCombineBGR(uint32_t w1, uint32_t h1, uint32_t d1, void* p1, void* p2, void* p3, uint32_t w2,
                              uint32_t h2, uint32_t d2, void* q1, void* q2, void* q3, void* dst, bool sideBySide);
   // Plane by plane, in order; false at the first plane that fails.
-  bool BGR24PlannerCombineBGRPlanner(uint32_t w1, uint32_t h1, void* p1, void* p2, void* p3, uint32_t w2,
-                                     uint32_t h2, void* q1, void* q2, void* q3, void* r1, void* r2, void* r3,
-                                     bool sideBySide);
-  bool BGR48PlanneCombineBGRPlanner48(uint32_t w1, uint32_t h1, uint32_t d1, void* p1, void* p2, void* p3,
-                                      uint32_t w2, uint32_t h2, uint32_t d2, void* q1, void* q2, void* q3,
-                                      uint32_t dOut, void* r1, void* r2, void* r3, bool sideBySide);
+  bool BGR24PlannerCombineBGRPlanner(uint32_t w1, uint32_t h1, void* p1, void* p2, void* p3, uint32_t w2, uint32_t h2,
+                                     void* q1, void* q2, void* q3, void* r1, void* r2, void* r3, bool sideBySide);
+  bool BGR48PlanneCombineBGRPlanner48(uint32_t w1, uint32_t h1, uint32_t d1, void* p1, void* p2, void* p3, uint32_t w2,
+                                      uint32_t h2, uint32_t d2, void* q1, void* q2, void* q3, uint32_t dOut, void* r1,
+                                      void* r2, void* r3, bool sideBySide);
 };

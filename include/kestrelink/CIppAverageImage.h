@@ -1,7 +1,7 @@
 #pragma once
-#include <cstdint>
-
 #include <kestrelink/Export.h>
+
+#include <cstdint>
 
 // Pixelwise mean of a run of frames. A full average reads every frame once
 // and leaves the per-sample sums (signed 32-bit, caller-owned) behind; a
@@ -27,19 +27,16 @@ class KESTRELINK_API CIppAverageImage {
   CIppAverageImage();
 
   bool Mono8Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
-  bool Mono16Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums,
-                     void* dst);
+  bool Mono16Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums, void* dst);
   bool BGR24Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
-  bool BGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums,
-                    void* dst);
+  bool BGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums, void* dst);
   bool YUV444Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
   bool YUV422Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
   bool UVY422Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
   // (3 * width) / 2 samples a row.
   bool YUV411Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
   bool BGRx32Average(int frameCount, int32_t width, int32_t height, void** frames, int* sums, void* dst);
-  bool BGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums,
-                     void* dst);
+  bool BGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames, int* sums, void* dst);
   bool BGRP24Average(int frameCount, int32_t width, int32_t height, void** frames0, void** frames1, void** frames2,
                      int* sums, void* dst0, void* dst1, void* dst2);
   bool BGRP48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void** frames0, void** frames1,
@@ -48,29 +45,29 @@ class KESTRELINK_API CIppAverageImage {
   // sum = sums + newFrame - oldFrame, then as above.
   bool RollingMono8Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
                            void* dst);
-  bool RollingMono16Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
-                            void* oldFrame, int* sums, void* dst);
+  bool RollingMono16Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame, void* oldFrame,
+                            int* sums, void* dst);
   bool RollingBGR24Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
                            void* dst);
-  bool RollingBGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
-                           void* oldFrame, int* sums, void* dst);
-  bool RollingYUV444Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame,
-                            int* sums, void* dst);
-  bool RollingYUV422Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame,
-                            int* sums, void* dst);
-  bool RollingUVY422Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame,
-                            int* sums, void* dst);
-  bool RollingYUV411Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame,
-                            int* sums, void* dst);
-  bool RollingBGRx32Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame,
-                            int* sums, void* dst);
+  bool RollingBGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame, void* oldFrame,
+                           int* sums, void* dst);
+  bool RollingYUV444Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
+                            void* dst);
+  bool RollingYUV422Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
+                            void* dst);
+  bool RollingUVY422Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
+                            void* dst);
+  bool RollingYUV411Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
+                            void* dst);
+  bool RollingBGRx32Average(int frameCount, int32_t width, int32_t height, void* newFrame, void* oldFrame, int* sums,
+                            void* dst);
   // Steps of its own, kept so: within a row oldFrame and dst go four samples
   // a pixel, newFrame three and sums three integers; rows of oldFrame, dst
   // and sums start at four samples a pixel, and so does newFrame's first row
   // of each worker thread, each later row of that worker a further width
   // samples on. It agrees with BGRx64Average only on a row's first pixel.
-  bool RollingBGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
-                            void* oldFrame, int* sums, void* dst);
+  bool RollingBGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame, void* oldFrame,
+                            int* sums, void* dst);
   bool RollingBGRP24Average(int frameCount, int32_t width, int32_t height, void* new0, void* new1, void* new2,
                             void* old0, void* old1, void* old2, int* sums, void* dst0, void* dst1, void* dst2);
   bool RollingBGRP48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* new0, void* new1,

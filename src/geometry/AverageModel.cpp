@@ -41,8 +41,8 @@ int32_t DepthLimit(int bitDepth) {
   return int32_t((1u << bitDepth) - 1);
 }
 
-bool Full(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, void* const* frames,
-          int* sums, void* dst) {
+bool Full(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, void* const* frames, int* sums,
+          void* dst) {
   if (n < 1 || !sums || !dst || !FramesGiven(n, frames)) return false;
   if (samples <= 0 || height <= 0) return true;
   const rows::AverageDivisor d = rows::MakeDivisor(n, max);
@@ -55,8 +55,8 @@ bool Full(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t 
   return true;
 }
 
-bool Rolling(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, const void* in,
-             const void* out, int* sums, void* dst) {
+bool Rolling(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, const void* in, const void* out,
+             int* sums, void* dst) {
   if (n < 1 || !in || !out || !sums || !dst) return false;
   if (samples <= 0 || height <= 0) return true;
   const rows::AverageDivisor d = rows::MakeDivisor(n, max);
@@ -102,8 +102,7 @@ bool FullPlanes(int n, int32_t width, int32_t height, uint32_t sampleBytes, int3
                 int* sums, void* const dst[3]) {
   const size_t plane = width > 0 && height > 0 ? size_t(width) * size_t(height) : 0;
   for (int p = 0; p < 3; ++p)
-    if (!Full(n, width, height, sampleBytes, max, frames[p], sums ? sums + p * plane : nullptr, dst[p]))
-      return false;
+    if (!Full(n, width, height, sampleBytes, max, frames[p], sums ? sums + p * plane : nullptr, dst[p])) return false;
   return true;
 }
 

@@ -13,10 +13,10 @@ namespace kestrelink::average {
 int32_t DepthLimit(int bitDepth);
 
 // `samples` a row: bytes of 1 (sampleBytes 1) or words (2).
-bool Full(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, void* const* frames,
-          int* sums, void* dst);
-bool Rolling(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, const void* in,
-             const void* out, int* sums, void* dst);
+bool Full(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, void* const* frames, int* sums,
+          void* dst);
+bool Rolling(int n, int64_t samples, int32_t height, uint32_t sampleBytes, int32_t max, const void* in, const void* out,
+             int* sums, void* dst);
 
 // Pixels of four samples, three of them averaged.
 bool Full4(int n, int32_t width, int32_t height, uint32_t sampleBytes, int32_t max, void* const* frames, int* sums,

@@ -92,11 +92,10 @@ bool CIppAverageImage::RollingMono8Average(int frameCount, int32_t width, int32_
   return average::Rolling(frameCount, width, height, 1, 255, newFrame, oldFrame, sums, dst);
 }
 
-bool CIppAverageImage::RollingMono16Average(int frameCount, int32_t width, int32_t height, int bitDepth,
-                                            void* newFrame, void* oldFrame, int* sums, void* dst) {
+bool CIppAverageImage::RollingMono16Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
+                                            void* oldFrame, int* sums, void* dst) {
   SetBlockTimeZero();
-  return average::Rolling(frameCount, width, height, 2, average::DepthLimit(bitDepth), newFrame, oldFrame, sums,
-                          dst);
+  return average::Rolling(frameCount, width, height, 2, average::DepthLimit(bitDepth), newFrame, oldFrame, sums, dst);
 }
 
 bool CIppAverageImage::RollingBGR24Average(int frameCount, int32_t width, int32_t height, void* newFrame,
@@ -105,11 +104,11 @@ bool CIppAverageImage::RollingBGR24Average(int frameCount, int32_t width, int32_
   return average::Rolling(frameCount, 3 * int64_t(width), height, 1, 255, newFrame, oldFrame, sums, dst);
 }
 
-bool CIppAverageImage::RollingBGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth,
-                                           void* newFrame, void* oldFrame, int* sums, void* dst) {
+bool CIppAverageImage::RollingBGR48Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
+                                           void* oldFrame, int* sums, void* dst) {
   SetBlockTimeZero();
-  return average::Rolling(frameCount, 3 * int64_t(width), height, 2, average::DepthLimit(bitDepth), newFrame,
-                          oldFrame, sums, dst);
+  return average::Rolling(frameCount, 3 * int64_t(width), height, 2, average::DepthLimit(bitDepth), newFrame, oldFrame,
+                          sums, dst);
 }
 
 bool CIppAverageImage::RollingYUV444Average(int frameCount, int32_t width, int32_t height, void* newFrame,

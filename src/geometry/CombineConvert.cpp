@@ -20,7 +20,7 @@ namespace {
 // A member whose frames go through kernel(frame, src, dst, w).
 template <class Kernel>
 bool ConvertFrameRows(uint32_t w1, uint32_t h1, const void* src1, uint32_t w2, uint32_t h2, const void* src2, void* dst,
-                 bool side, size_t srcPixel, Kernel kernel) {
+                      bool side, size_t srcPixel, Kernel kernel) {
   SetBlockTimeZero();
   const combine::Layout L = combine::MakeLayout(w1, h1, w2, h2, side);
   if (!combine::Usable(L, {src1}, {src2}, {dst})) return false;
@@ -89,8 +89,9 @@ bool CImageCombine::Mono16CombineBGR(uint32_t w1, uint32_t h1, uint32_t d1, void
                                      uint32_t d2, void* src2, void* dst, bool sideBySide) {
   const auto narrow = rows::MonoRows().mono16_to_bgr;
   const uint32_t shift1 = NarrowShift(d1), shift2 = NarrowShift(d2);
-  return ConvertFrameRows(w1, h1, src1, w2, h2, src2, dst, sideBySide, 2,
-                          [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) { narrow(s, d, w, f ? shift2 : shift1); });
+  return ConvertFrameRows(
+      w1, h1, src1, w2, h2, src2, dst, sideBySide, 2,
+      [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) { narrow(s, d, w, f ? shift2 : shift1); });
 }
 
 bool CImageCombine::BGR24PlannerCombineBGR(uint32_t w1, uint32_t h1, void* p1, void* p2, void* p3, uint32_t w2,

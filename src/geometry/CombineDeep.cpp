@@ -68,9 +68,8 @@ bool CImageCombine::Mono16CombineMono16(uint32_t w1, uint32_t h1, uint32_t d1, v
   if (!combine::Usable(L, {src1}, {src2}, {dst})) return false;
   const DepthChanges changes = DepthsFor(d1, d2, dOut);
   const auto words = rows::DepthRows().words;
-  combine::PixelRows(L, src1, src2, 2, dst, 2, [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) {
-    words(s, d, w, changes.frame[f]);
-  });
+  combine::PixelRows(L, src1, src2, 2, dst, 2,
+                     [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) { words(s, d, w, changes.frame[f]); });
   return true;
 }
 
@@ -86,8 +85,9 @@ bool CImageCombine::BGR48CombineBGR48(uint32_t w1, uint32_t h1, uint32_t d1, voi
                                       uint32_t d2, void* src2, uint32_t dOut, void* dst, bool sideBySide) {
   const DepthChanges changes = DepthsFor(d1, d2, dOut);
   const auto words = rows::DepthRows().words;
-  return WideRows(w1, h1, src1, w2, h2, src2, dst, sideBySide, 8, 6 * size_t(w1),
-                  [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) { words(s, d, 3 * size_t(w), changes.frame[f]); });
+  return WideRows(
+      w1, h1, src1, w2, h2, src2, dst, sideBySide, 8, 6 * size_t(w1),
+      [&](int f, const uint8_t* s, uint8_t* d, uint32_t w) { words(s, d, 3 * size_t(w), changes.frame[f]); });
 }
 
 // Both frames shift by d1 - 8; d2 is not used, a settled behaviour of the format.
@@ -117,18 +117,17 @@ bool CImageCombine::BGR48CombineBGR(uint32_t w1, uint32_t h1, uint32_t d1, void*
                   });
 }
 
-bool CImageCombine::BGR24PlannerCombineBGRPlanner(uint32_t w1, uint32_t h1, void* p1, void* p2, void* p3,
-                                                  uint32_t w2, uint32_t h2, void* q1, void* q2, void* q3, void* r1,
-                                                  void* r2, void* r3, bool sideBySide) {
+bool CImageCombine::BGR24PlannerCombineBGRPlanner(uint32_t w1, uint32_t h1, void* p1, void* p2, void* p3, uint32_t w2,
+                                                  uint32_t h2, void* q1, void* q2, void* q3, void* r1, void* r2,
+                                                  void* r3, bool sideBySide) {
   return Mono8CombineMono8(w1, h1, p1, w2, h2, q1, r1, sideBySide) &&
          Mono8CombineMono8(w1, h1, p2, w2, h2, q2, r2, sideBySide) &&
          Mono8CombineMono8(w1, h1, p3, w2, h2, q3, r3, sideBySide);
 }
 
-bool CImageCombine::BGR48PlanneCombineBGRPlanner48(uint32_t w1, uint32_t h1, uint32_t d1, void* p1, void* p2,
-                                                   void* p3, uint32_t w2, uint32_t h2, uint32_t d2, void* q1, void* q2,
-                                                   void* q3, uint32_t dOut, void* r1, void* r2, void* r3,
-                                                   bool sideBySide) {
+bool CImageCombine::BGR48PlanneCombineBGRPlanner48(uint32_t w1, uint32_t h1, uint32_t d1, void* p1, void* p2, void* p3,
+                                                   uint32_t w2, uint32_t h2, uint32_t d2, void* q1, void* q2, void* q3,
+                                                   uint32_t dOut, void* r1, void* r2, void* r3, bool sideBySide) {
   return Mono16CombineMono16(w1, h1, d1, p1, w2, h2, d2, q1, dOut, r1, sideBySide) &&
          Mono16CombineMono16(w1, h1, d1, p2, w2, h2, d2, q2, dOut, r2, sideBySide) &&
          Mono16CombineMono16(w1, h1, d1, p3, w2, h2, d2, q3, dOut, r3, sideBySide);

@@ -81,8 +81,7 @@ inline void PlaceFrameRows(const Layout& L, const Placed frames[2], void* dst, s
 // The same through row(src, dst, w).
 template <class Row>
 inline void PlaceRows(const Layout& L, const Placed frames[2], void* dst, size_t dstRowBytes, Row&& row) {
-  PlaceFrameRows(L, frames, dst, dstRowBytes,
-                 [&](int, const uint8_t* s, uint8_t* d, uint32_t w) { row(s, d, w); });
+  PlaceFrameRows(L, frames, dst, dstRowBytes, [&](int, const uint8_t* s, uint8_t* d, uint32_t w) { row(s, d, w); });
 }
 
 // Pixel-sized members in one call: kernel(frame, src, dst, w) on each

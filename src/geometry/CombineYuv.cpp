@@ -25,9 +25,12 @@ namespace {
 // (row * w * 3) >> 1.
 inline uint64_t RowStart(rows::YuvStepLayout layout, uint32_t w, uint64_t row) {
   switch (layout) {
-    case rows::kStepUvy411: return (row * w * 3) >> 1;
-    case rows::kStepUvy444: return row * w * 3;
-    default: return row * w * 2;
+    case rows::kStepUvy411:
+      return (row * w * 3) >> 1;
+    case rows::kStepUvy444:
+      return row * w * 3;
+    default:
+      return row * w * 2;
   }
 }
 
@@ -51,9 +54,8 @@ bool YuvRows(uint32_t w1, uint32_t h1, const void* src1, uint32_t w2, uint32_t h
     // Pixels this placement writes: its whole steps, cut at the row's end
     // plus the columns below that the next row leaves open.
     const uint64_t first = uint64_t(L.W) * out + at[f];
-    const uint64_t open = std::min<uint64_t>(uint64_t(L.W) * (uint64_t(out) + 1) +
-                                                 combine::NextRowOpenColumns(L, out),
-                                             frameEnd);
+    const uint64_t open =
+        std::min<uint64_t>(uint64_t(L.W) * (uint64_t(out) + 1) + combine::NextRowOpenColumns(L, out), frameEnd);
     const uint64_t pixels = std::min<uint64_t>(4 * ((uint64_t(w) - 1) / 4 + 1), open - first);
     uint8_t* d = static_cast<uint8_t*>(dst) + 3 * first;
     const uint64_t whole = std::min<uint64_t>(pixels / 4, readable / stepBytes);

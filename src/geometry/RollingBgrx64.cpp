@@ -27,8 +27,8 @@ inline int32_t Word(const uint8_t* frame, size_t i) {
 
 }  // namespace
 
-bool CIppAverageImage::RollingBGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth,
-                                            void* newFrame, void* oldFrame, int* sums, void* dst) {
+bool CIppAverageImage::RollingBGRx64Average(int frameCount, int32_t width, int32_t height, int bitDepth, void* newFrame,
+                                            void* oldFrame, int* sums, void* dst) {
   SetBlockTimeZero();
   if (frameCount < 1 || !newFrame || !oldFrame || !sums || !dst) return false;
   if (width <= 0 || height <= 0) return true;

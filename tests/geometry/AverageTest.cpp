@@ -65,14 +65,17 @@ struct Member {
   std::function<bool(CIppAverageImage&, int n, int w, int h, void* in, void* out, int* sums, void* dst)> rolling;
 };
 
-#define FULL(method) [](CIppAverageImage& a, int n, int w, int h, void** f, int* s, void* d) { return a.method(n, w, h, f, s, d); }
+#define FULL(method) \
+  [](CIppAverageImage& a, int n, int w, int h, void** f, int* s, void* d) { return a.method(n, w, h, f, s, d); }
 #define FULL16(method, depth) \
   [](CIppAverageImage& a, int n, int w, int h, void** f, int* s, void* d) { return a.method(n, w, h, depth, f, s, d); }
-#define ROLL(method) \
-  [](CIppAverageImage& a, int n, int w, int h, void* i, void* o, int* s, void* d) { return a.method(n, w, h, i, o, s, d); }
-#define ROLL16(method, depth) \
+#define ROLL(method)                                                                \
   [](CIppAverageImage& a, int n, int w, int h, void* i, void* o, int* s, void* d) { \
-    return a.method(n, w, h, depth, i, o, s, d);                                   \
+    return a.method(n, w, h, i, o, s, d);                                           \
+  }
+#define ROLL16(method, depth)                                                       \
+  [](CIppAverageImage& a, int n, int w, int h, void* i, void* o, int* s, void* d) { \
+    return a.method(n, w, h, depth, i, o, s, d);                                    \
   }
 
 std::function<Shape(int, int)> Plain(int perPixelNum, int perPixelDen, int bytes, int max) {
@@ -90,10 +93,16 @@ std::vector<Member> Members() {
       {"YUV422", Plain(2, 1, 1, 255), FULL(YUV422Average), ROLL(RollingYUV422Average)},
       {"UVY422", Plain(2, 1, 1, 255), FULL(UVY422Average), ROLL(RollingUVY422Average)},
       {"YUV411", Plain(3, 2, 1, 255), FULL(YUV411Average), ROLL(RollingYUV411Average)},
-      {"BGRx32", [](int w, int h) { return Shape{size_t(4) * w * h, 1, 4, 3, 255}; }, FULL(BGRx32Average),
-       ROLL(RollingBGRx32Average)},
-      {"BGRx64", [](int w, int h) { return Shape{size_t(4) * w * h, 2, 4, 3, 1023}; }, FULL16(BGRx64Average, 10),
-       nullptr},
+      {"BGRx32",
+       [](int w, int h) {
+         return Shape{size_t(4) * w * h, 1, 4, 3, 255};
+       },
+       FULL(BGRx32Average), ROLL(RollingBGRx32Average)},
+      {"BGRx64",
+       [](int w, int h) {
+         return Shape{size_t(4) * w * h, 2, 4, 3, 1023};
+       },
+       FULL16(BGRx64Average, 10), nullptr},
   };
 }
 
@@ -163,8 +172,8 @@ TEST(AverageImage, DivisionIsExactOverTheWholeRange) {
       const Sums before = sums;
       Bytes zero(2 * sums.size(), 0), dst(2 * sums.size());
       CIppAverageImage avg;
-      ASSERT_TRUE(avg.RollingMono16Average(n, int(sums.size()), 1, 31, zero.data(), zero.data(), sums.data(),
-                                           dst.data()));
+      ASSERT_TRUE(
+          avg.RollingMono16Average(n, int(sums.size()), 1, 31, zero.data(), zero.data(), sums.data(), dst.data()));
       for (size_t i = 0; i < sums.size(); ++i)
         ASSERT_EQ(Sample(dst, i, 2), (before[i] / n) & 0xFFFF) << n << " " << before[i];
     }
@@ -259,8 +268,8 @@ TEST(AverageImage, PlanarFormsAverageEachPlane) {
       std::copy(one.begin(), one.end(), wantSums.begin() + k * plane);
     }
     if (bytes == 1)
-      ASSERT_TRUE(avg.BGRP24Average(n, w, h, ptr[0].data(), ptr[1].data(), ptr[2].data(), gotSums.data(),
-                                    got[0].data(), got[1].data(), got[2].data()));
+      ASSERT_TRUE(avg.BGRP24Average(n, w, h, ptr[0].data(), ptr[1].data(), ptr[2].data(), gotSums.data(), got[0].data(),
+                                    got[1].data(), got[2].data()));
     else
       ASSERT_TRUE(avg.BGRP48Average(n, w, h, 10, ptr[0].data(), ptr[1].data(), ptr[2].data(), gotSums.data(),
                                     got[0].data(), got[1].data(), got[2].data()));

@@ -56,15 +56,20 @@ void ModelYuv(const Sizes& s, bool side, const Bytes& a, const Bytes& b, Bytes& 
         const size_t x = 4 * size_t(step) + p;
         int y, u, v;
         switch (layout) {
-          case kYuv422: y = at(2 * x), u = at(4 * (x / 2) + 1), v = at(4 * (x / 2) + 3); break;
-          case kUvy422: y = at(2 * x + 1), u = at(4 * (x / 2)), v = at(4 * (x / 2) + 2); break;
+          case kYuv422:
+            y = at(2 * x), u = at(4 * (x / 2) + 1), v = at(4 * (x / 2) + 3);
+            break;
+          case kUvy422:
+            y = at(2 * x + 1), u = at(4 * (x / 2)), v = at(4 * (x / 2) + 2);
+            break;
           case kUvy411: {
             const size_t g = 6 * step;
             const int ys[4] = {at(g + 1), at(g + 2), at(g + 4), at(g + 5)};
             y = ys[p], u = at(g), v = at(g + 3);
             break;
           }
-          default: y = at(3 * x + 1), u = at(3 * x), v = at(3 * x + 2);
+          default:
+            y = at(3 * x + 1), u = at(3 * x), v = at(3 * x + 2);
         }
         if (first + x < end) Formula(y, u, v, &dst[3 * (first + x)]);
       }
@@ -84,25 +89,28 @@ std::function<size_t(uint32_t, uint32_t)> PerPixel(size_t n) {
   return [n](uint32_t w, uint32_t h) { return n * w * h; };
 }
 
-#define CALL(method) \
+#define CALL(method)                                                              \
   [](CImageCombine& c, const Sizes& s, Bytes& a, Bytes& b, Bytes& d, bool side) { \
     return c.method(s.w1, s.h1, a.data(), s.w2, s.h2, b.data(), d.data(), side);  \
   }
-#define CALL_DEPTHS(method, d1, d2) \
-  [](CImageCombine& c, const Sizes& s, Bytes& a, Bytes& b, Bytes& d, bool side) { \
+#define CALL_DEPTHS(method, d1, d2)                                                      \
+  [](CImageCombine& c, const Sizes& s, Bytes& a, Bytes& b, Bytes& d, bool side) {        \
     return c.method(s.w1, s.h1, d1, a.data(), s.w2, s.h2, d2, b.data(), d.data(), side); \
   }
-#define CALL_OUT(method, d1, d2, dOut) \
-  [](CImageCombine& c, const Sizes& s, Bytes& a, Bytes& b, Bytes& d, bool side) { \
+#define CALL_OUT(method, d1, d2, dOut)                                                         \
+  [](CImageCombine& c, const Sizes& s, Bytes& a, Bytes& b, Bytes& d, bool side) {              \
     return c.method(s.w1, s.h1, d1, a.data(), s.w2, s.h2, d2, b.data(), dOut, d.data(), side); \
   }
 
 std::function<void(const Sizes&, const Bytes&, const Bytes&, Bytes&, bool)> Pixels(size_t sp, size_t dp, Pixel p) {
-  return [=](const Sizes& s, const Bytes& a, const Bytes& b, Bytes& d, bool side) { ModelPixels(s, side, a, b, d, sp, dp, p); };
+  return [=](const Sizes& s, const Bytes& a, const Bytes& b, Bytes& d, bool side) {
+    ModelPixels(s, side, a, b, d, sp, dp, p);
+  };
 }
 
 std::function<void(const Sizes&, const Bytes&, const Bytes&, Bytes&, bool)> YuvModel(Yuv layout) {
-  return [=](const Sizes& s, const Bytes& a, const Bytes& b, Bytes& d, bool side) { ModelYuv(s, side, a, b, d, layout); };
+  return
+      [=](const Sizes& s, const Bytes& a, const Bytes& b, Bytes& d, bool side) { ModelYuv(s, side, a, b, d, layout); };
 }
 
 // mask & (same ? s >> n : s << n), same = (d1 == dOut) for both frames.
@@ -118,8 +126,8 @@ struct Steps {
   size_t in[2], out[2];
 };
 using Sample = std::function<void(int frame, uint16_t s, uint8_t* d)>;
-void ModelWide(const Sizes& s, bool side, const Bytes& a, const Bytes& b, Bytes& dst, size_t dstSample,
-               Steps sideSteps, Steps aboveSteps, const Sample& sample) {
+void ModelWide(const Sizes& s, bool side, const Bytes& a, const Bytes& b, Bytes& dst, size_t dstSample, Steps sideSteps,
+               Steps aboveSteps, const Sample& sample) {
   const uint32_t W = Width(s, side);
   const Steps& st = side ? sideSteps : aboveSteps;
   EachPlacement(s, side, [&](int f, uint32_t in, uint32_t out) {
@@ -146,22 +154,26 @@ std::vector<Member> Members() {
       {"BGR555CombineToBGR555", PerPixel(2), 2, CALL(BGR555CombineToBGR555), Pixels(2, 2, Copy(2))},
       {"BGR565CombineToBGR565", PerPixel(2), 2, CALL(BGR565CombineToBGR565), Pixels(2, 2, Copy(2))},
       {"BGR555CombineToBGR", PerPixel(2), 3, CALL(BGR555CombineToBGR),
-       Pixels(2, 3, [](int, const uint8_t* s, uint8_t* d) {
-         const int u = s[0] | s[1] << 8;
-         d[0] = uint8_t((u & 31) << 3), d[1] = uint8_t(((u >> 5) & 31) << 3), d[2] = uint8_t(((u >> 10) & 31) << 3);
-       })},
+       Pixels(2, 3,
+              [](int, const uint8_t* s, uint8_t* d) {
+                const int u = s[0] | s[1] << 8;
+                d[0] = uint8_t((u & 31) << 3), d[1] = uint8_t(((u >> 5) & 31) << 3),
+                d[2] = uint8_t(((u >> 10) & 31) << 3);
+              })},
       {"BGR565CombineToBGR", PerPixel(2), 3, CALL(BGR565CombineToBGR),
-       Pixels(2, 3, [](int, const uint8_t* s, uint8_t* d) {
-         const int u = s[0] | s[1] << 8;
-         d[0] = uint8_t((u & 31) << 3), d[1] = uint8_t(((u >> 5) & 63) << 2), d[2] = uint8_t((u >> 11) << 3);
-       })},
+       Pixels(2, 3,
+              [](int, const uint8_t* s, uint8_t* d) {
+                const int u = s[0] | s[1] << 8;
+                d[0] = uint8_t((u & 31) << 3), d[1] = uint8_t(((u >> 5) & 63) << 2), d[2] = uint8_t((u >> 11) << 3);
+              })},
       {"BGRxCombineToBGR", PerPixel(4), 3, CALL(BGRxCombineToBGR), Pixels(4, 3, Copy(3))},
       {"RGB24CombineToBGR", PerPixel(3), 3, CALL(RGB24CombineToBGR),
        Pixels(3, 3, [](int, const uint8_t* s, uint8_t* d) { d[0] = s[2], d[1] = s[1], d[2] = s[0]; })},
       {"Mono8CombineBGR", PerPixel(1), 3, CALL(Mono8CombineBGR),
        Pixels(1, 3, [grey](int, const uint8_t* s, uint8_t* d) { grey(d, s[0]); })},
       {"Mono16CombineBGR 12 10", PerPixel(2), 3, CALL_DEPTHS(Mono16CombineBGR, 12, 10),
-       Pixels(2, 3, [grey](int f, const uint8_t* s, uint8_t* d) { grey(d, uint8_t((s[0] | s[1] << 8) >> (f ? 2 : 4))); })},
+       Pixels(2, 3,
+              [grey](int f, const uint8_t* s, uint8_t* d) { grey(d, uint8_t((s[0] | s[1] << 8) >> (f ? 2 : 4))); })},
       {"Mono16CombineBGR 16 8", PerPixel(2), 3, CALL_DEPTHS(Mono16CombineBGR, 16, 8),
        Pixels(2, 3, [grey](int f, const uint8_t* s, uint8_t* d) { grey(d, f ? s[0] : s[1]); })},
       {"YUV422CombineBGR", PerPixel(2), 3, CALL(YUV422CombineBGR), YuvModel(kYuv422)},
@@ -214,7 +226,7 @@ std::vector<Member> Members() {
 }
 
 // Unequal sizes both ways, odd widths, a frame of no rows, one pixel.
-const Sizes kSizes[] = {{5, 4, 3, 6}, {7, 3, 9, 2}, {8, 5, 8, 5}, {1, 1, 4, 3}, {12, 7, 5, 0},
+const Sizes kSizes[] = {{5, 4, 3, 6},  {7, 3, 9, 2},   {8, 5, 8, 5}, {1, 1, 4, 3},   {12, 7, 5, 0},
                         {6, 2, 11, 5}, {16, 3, 13, 4}, {3, 5, 1, 1}, {40, 9, 36, 11}};
 
 void CheckAll(int team) {
@@ -224,8 +236,8 @@ void CheckAll(int team) {
   for (const Member& m : Members())
     for (const Sizes& s : kSizes)
       for (bool side : {true, false}) {
-        SCOPED_TRACE(m.name + " " + std::to_string(s.w1) + "x" + std::to_string(s.h1) + " + " +
-                     std::to_string(s.w2) + "x" + std::to_string(s.h2) + (side ? " side by side" : " above"));
+        SCOPED_TRACE(m.name + " " + std::to_string(s.w1) + "x" + std::to_string(s.h1) + " + " + std::to_string(s.w2) +
+                     "x" + std::to_string(s.h2) + (side ? " side by side" : " above"));
         auto a = testsupport::RandomBytes(m.frameBytes(s.w1, s.h1), s.w1 * 31 + s.h1);
         auto b = testsupport::RandomBytes(m.frameBytes(s.w2, s.h2), s.w2 * 17 + s.h2 + 5);
         auto want = testsupport::RandomBytes(m.dstPixelBytes * Width(s, side) * Height(s, side), 99);
@@ -260,8 +272,7 @@ TEST(ImageCombine, ShorterSecondFrameLeavesTheRestUnwritten) {
   Bytes a(4 * 6, 1), b(2 * 3, 2), dst(6 * 6, 0xEE);
   ASSERT_TRUE(c.Mono8CombineMono8(4, 6, a.data(), 2, 3, b.data(), dst.data(), true));
   for (uint32_t r = 0; r < 6; ++r)
-    for (uint32_t x = 0; x < 6; ++x)
-      EXPECT_EQ(dst[r * 6 + x], x < 4 ? 1 : r < 3 ? 2 : 0xEE) << r << "," << x;
+    for (uint32_t x = 0; x < 6; ++x) EXPECT_EQ(dst[r * 6 + x], x < 4 ? 1 : r < 3 ? 2 : 0xEE) << r << "," << x;
 }
 
 TEST(ImageCombine, DepthExamples) {
@@ -325,8 +336,8 @@ TEST(ImageCombine, PlanarMembers) {
       const size_t i = (sp - (f ? q16[0] : p16[0]).data()) / 2;
       for (int k = 0; k < 3; ++k) d[k] = uint8_t(Word(f ? q16[k] : p16[k], i) >> (f ? 2 : 4));
     });
-    ASSERT_TRUE(c.BGR48PlanneCombineBGR(5, 3, 12, p16[0].data(), p16[1].data(), p16[2].data(), 2, 4, 10,
-                                        q16[0].data(), q16[1].data(), q16[2].data(), got.data(), side));
+    ASSERT_TRUE(c.BGR48PlanneCombineBGR(5, 3, 12, p16[0].data(), p16[1].data(), p16[2].data(), 2, 4, 10, q16[0].data(),
+                                        q16[1].data(), q16[2].data(), got.data(), side));
     EXPECT_EQ(want, got);
     // Plane to plane: each plane as the single-plane member places it.
     for (int k = 0; k < 3; ++k) {

@@ -33,25 +33,25 @@ struct Averager {
   uint64_t (*samples)(uint64_t w, uint64_t h);
   bool (*full)(CIppAverageImage&, int n, int w, int h, int depth, std::vector<void*>& frames, size_t plane, int* sums,
                uint8_t* dst);
-  bool (*rolling)(CIppAverageImage&, int n, int w, int h, int depth, uint8_t* in, uint8_t* out, size_t plane,
-                  int* sums, uint8_t* dst);
+  bool (*rolling)(CIppAverageImage&, int n, int w, int h, int depth, uint8_t* in, uint8_t* out, size_t plane, int* sums,
+                  uint8_t* dst);
 };
 
-#define FULL8(method)                                                                                  \
+#define FULL8(method)                                                                                    \
   [](CIppAverageImage& a, int n, int w, int h, int, std::vector<void*>& f, size_t, int* s, uint8_t* d) { \
-    return a.method(n, w, h, f.data(), s, d);                                                          \
+    return a.method(n, w, h, f.data(), s, d);                                                            \
   }
-#define FULL16(method)                                                                                       \
+#define FULL16(method)                                                                                         \
   [](CIppAverageImage& a, int n, int w, int h, int depth, std::vector<void*>& f, size_t, int* s, uint8_t* d) { \
-    return a.method(n, w, h, depth, f.data(), s, d);                                                         \
+    return a.method(n, w, h, depth, f.data(), s, d);                                                           \
   }
-#define ROLL8(method)                                                                                  \
+#define ROLL8(method)                                                                                     \
   [](CIppAverageImage& a, int n, int w, int h, int, uint8_t* i, uint8_t* o, size_t, int* s, uint8_t* d) { \
-    return a.method(n, w, h, i, o, s, d);                                                              \
+    return a.method(n, w, h, i, o, s, d);                                                                 \
   }
-#define ROLL16(method)                                                                                       \
+#define ROLL16(method)                                                                                          \
   [](CIppAverageImage& a, int n, int w, int h, int depth, uint8_t* i, uint8_t* o, size_t, int* s, uint8_t* d) { \
-    return a.method(n, w, h, depth, i, o, s, d);                                                             \
+    return a.method(n, w, h, depth, i, o, s, d);                                                                \
   }
 
 // The three plane lists of frames whose planes lie `plane` bytes apart.
@@ -78,8 +78,8 @@ const Averager kAveragers[] = {
      ROLL8(RollingYUV422Average)},
     {L::Uvy422, "UVY422Average", false, [](uint64_t w, uint64_t h) { return 2 * w * h; }, FULL8(UVY422Average),
      ROLL8(RollingUVY422Average)},
-    {L::Uvy411, "YUV411Average", false, [](uint64_t w, uint64_t h) { return h * ((3 * w) / 2); },
-     FULL8(YUV411Average), ROLL8(RollingYUV411Average)},
+    {L::Uvy411, "YUV411Average", false, [](uint64_t w, uint64_t h) { return h * ((3 * w) / 2); }, FULL8(YUV411Average),
+     ROLL8(RollingYUV411Average)},
     {L::Bgrx, "BGRx32Average", true, [](uint64_t w, uint64_t h) { return 4 * w * h; }, FULL8(BGRx32Average),
      ROLL8(RollingBGRx32Average)},
     {L::Bgr64, "BGRx64Average", false, [](uint64_t w, uint64_t h) { return 4 * w * h; }, FULL16(BGRx64Average),
@@ -90,8 +90,8 @@ const Averager kAveragers[] = {
        return a.BGRP24Average(n, w, h, p.p[0].data(), p.p[1].data(), p.p[2].data(), s, d, d + plane, d + 2 * plane);
      },
      [](CIppAverageImage& a, int n, int w, int h, int, uint8_t* i, uint8_t* o, size_t plane, int* s, uint8_t* d) {
-       return a.RollingBGRP24Average(n, w, h, i, i + plane, i + 2 * plane, o, o + plane, o + 2 * plane, s, d,
-                                     d + plane, d + 2 * plane);
+       return a.RollingBGRP24Average(n, w, h, i, i + plane, i + 2 * plane, o, o + plane, o + 2 * plane, s, d, d + plane,
+                                     d + 2 * plane);
      }},
     {L::Bgr48p, "BGRP48Average", false, [](uint64_t w, uint64_t h) { return 3 * w * h; },
      [](CIppAverageImage& a, int n, int w, int h, int depth, std::vector<void*>& f, size_t plane, int* s, uint8_t* d) {
@@ -99,8 +99,7 @@ const Averager kAveragers[] = {
        return a.BGRP48Average(n, w, h, depth, p.p[0].data(), p.p[1].data(), p.p[2].data(), s, d, d + plane,
                               d + 2 * plane);
      },
-     [](CIppAverageImage& a, int n, int w, int h, int depth, uint8_t* i, uint8_t* o, size_t plane, int* s,
-        uint8_t* d) {
+     [](CIppAverageImage& a, int n, int w, int h, int depth, uint8_t* i, uint8_t* o, size_t plane, int* s, uint8_t* d) {
        return a.RollingBGRP48Average(n, w, h, depth, i, i + plane, i + 2 * plane, o, o + plane, o + 2 * plane, s, d,
                                      d + plane, d + 2 * plane);
      }},
@@ -137,7 +136,9 @@ void PrintAverageUsage(std::ostream& out) {
          "written to OUTDIR/average.png (or .raw). With --rolling N the first N frames\n"
          "make OUTDIR/average-0000, and each further frame moves the span on by one,\n"
          "adding it and taking off the frame N before: average-0001, -0002, ...\n"
-         "  --layout L   " << AverageLayouts() << "\n"
+         "  --layout L   "
+      << AverageLayouts()
+      << "\n"
          "  --depth D    bits a 16-bit sample carries; the output limit (default 12)\n"
          "  --raw        raw files even where the layout has a PNG form\n"
          "The YUV, bgr64 and bgr48p results are raw files. bgrx and bgr64 keep the\n"
@@ -155,7 +156,8 @@ int RunAverage(std::span<const std::string_view> args) {
        [&](std::string_view v) {
          const Layout* l = FindLayout(v);
          avg = l ? FindAverager(l->id) : nullptr;
-         if (!avg) throw UsageError("no average of layout '" + std::string(v) + "' (layouts: " + AverageLayouts() + ")");
+         if (!avg)
+           throw UsageError("no average of layout '" + std::string(v) + "' (layouts: " + AverageLayouts() + ")");
        }},
       {"--size", "WxH", [&](std::string_view v) { size = ParseSize("--size", v); }},
       {"--rolling", "N", [&](std::string_view v) { span = int(ParseInteger("--rolling", v, 1, 65536)); }},
@@ -179,7 +181,8 @@ int RunAverage(std::span<const std::string_view> args) {
   const uint32_t w = size->width, h = size->height;
   const uint64_t frameBytes = FrameBytes(layout, w, h);
   const size_t plane = layout.id == L::Bgr24p ? size_t(w) * h : layout.id == L::Bgr48p ? 2 * size_t(w) * h : 0;
-  const std::string frameName = "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(layout.name) + " frame";
+  const std::string frameName =
+      "a " + std::to_string(w) + "x" + std::to_string(h) + " " + std::string(layout.name) + " frame";
   std::vector<std::vector<uint8_t>> frames;
   for (int k = 0; k < count; ++k) frames.push_back(ReadFrameFile(std::string(words[size_t(k)]), frameBytes, frameName));
   std::vector<void*> first;
@@ -204,8 +207,8 @@ int RunAverage(std::span<const std::string_view> args) {
     throw RunError(std::string(avg->method) + " failed");
   write(span ? 0 : -1);
   for (int k = n; span && k < count; ++k) {
-    if (!avg->rolling(average, n, int(w), int(h), depth, frames[size_t(k)].data(), frames[size_t(k - n)].data(),
-                      plane, sums.data(), dst.data()))
+    if (!avg->rolling(average, n, int(w), int(h), depth, frames[size_t(k)].data(), frames[size_t(k - n)].data(), plane,
+                      sums.data(), dst.data()))
       throw RunError(std::string("Rolling") + avg->method + " failed");
     write(k - n + 1);
   }

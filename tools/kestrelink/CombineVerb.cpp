@@ -41,12 +41,12 @@ struct Member {
 
 #define PLAIN(method) \
   [](CImageCombine& c, const CombineJob& j) { return c.method(j.w1, j.h1, j.a, j.w2, j.h2, j.b, j.dst, j.side); }
-#define DEPTHS(method) \
-  [](CImageCombine& c, const CombineJob& j) { \
+#define DEPTHS(method)                                                                  \
+  [](CImageCombine& c, const CombineJob& j) {                                           \
     return c.method(j.w1, j.h1, j.depth, j.a, j.w2, j.h2, j.depth, j.b, j.dst, j.side); \
   }
-#define DEPTHS_OUT(method) \
-  [](CImageCombine& c, const CombineJob& j) { \
+#define DEPTHS_OUT(method)                                                                          \
+  [](CImageCombine& c, const CombineJob& j) {                                                       \
     return c.method(j.w1, j.h1, j.depth, j.a, j.w2, j.h2, j.depth, j.b, j.outDepth, j.dst, j.side); \
   }
 
@@ -92,14 +92,14 @@ const Member kMembers[] = {
      }},
     {L::Bgr48p, L::Bgr24, "BGR48PlanneCombineBGR", 0, 3, L::Bgr24,
      [](CImageCombine& c, const CombineJob& j) {
-       return c.BGR48PlanneCombineBGR(j.w1, j.h1, j.depth, j.a, j.a + j.planeA, j.a + 2 * j.planeA, j.w2, j.h2,
-                                      j.depth, j.b, j.b + j.planeB, j.b + 2 * j.planeB, j.dst, j.side);
+       return c.BGR48PlanneCombineBGR(j.w1, j.h1, j.depth, j.a, j.a + j.planeA, j.a + 2 * j.planeA, j.w2, j.h2, j.depth,
+                                      j.b, j.b + j.planeB, j.b + 2 * j.planeB, j.dst, j.side);
      }},
     {L::Bgr48p, L::Bgr48p, "BGR48PlanneCombineBGRPlanner48", 0, 6, L::Bgr48p,
      [](CImageCombine& c, const CombineJob& j) {
-       return c.BGR48PlanneCombineBGRPlanner48(j.w1, j.h1, j.depth, j.a, j.a + j.planeA, j.a + 2 * j.planeA, j.w2,
-                                               j.h2, j.depth, j.b, j.b + j.planeB, j.b + 2 * j.planeB, j.outDepth,
-                                               j.dst, j.dst + j.planeDst, j.dst + 2 * j.planeDst, j.side);
+       return c.BGR48PlanneCombineBGRPlanner48(j.w1, j.h1, j.depth, j.a, j.a + j.planeA, j.a + 2 * j.planeA, j.w2, j.h2,
+                                               j.depth, j.b, j.b + j.planeB, j.b + 2 * j.planeB, j.outDepth, j.dst,
+                                               j.dst + j.planeDst, j.dst + 2 * j.planeDst, j.side);
      }},
 };
 
@@ -142,7 +142,9 @@ void PrintCombineUsage(std::ostream& out) {
          "--above one above the other (A on top). Frames of different sizes are aligned\n"
          "top left; the rest of OUT is 0. OUT is a raw file, or a PNG where the result's\n"
          "layout has one (a name ending in .png).\n"
-         "  --layout L     the frames' layout: " << CombineSources() << "\n"
+         "  --layout L     the frames' layout: "
+      << CombineSources()
+      << "\n"
          "  --to T         the result's layout: L itself (a copy), or bgr24 (bgrx for\n"
          "                 bgr48 and bgr64), converted while placing\n"
          "  --depth D      bits a 16-bit sample carries, both frames (default 12)\n"
@@ -181,10 +183,10 @@ int RunCombine(std::span<const std::string_view> args) {
   const Member* m = FindMember(from->id, to ? to->id : from->id);
   if (!m) {
     const std::string targets = TargetsOf(from->id);
-    throw UsageError(targets.empty() ? "the library combines no " + std::string(from->name) + " frames (layouts: " +
-                                           CombineSources() + ")"
-                                     : "no combine of " + std::string(from->name) + " to " +
-                                           std::string(to->name) + " (to: " + targets + ")");
+    throw UsageError(
+        targets.empty()
+            ? "the library combines no " + std::string(from->name) + " frames (layouts: " + CombineSources() + ")"
+            : "no combine of " + std::string(from->name) + " to " + std::string(to->name) + " (to: " + targets + ")");
   }
   const FrameSize s1 = ParseSize("A's size", files[1]), s2 = ParseSize("B's size", files[3]);
   CImageCombine combine;

@@ -35,10 +35,8 @@ inline int32_t DivideClamp(int32_t sum, const AverageDivisor& d) {
 
 struct AverageRowKernels {
   // Full: rows[f] points at the run in frame f, n frames.
-  void (*full8)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t count,
-                const AverageDivisor& d);
-  void (*full16)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t count,
-                 const AverageDivisor& d);
+  void (*full8)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t count, const AverageDivisor& d);
+  void (*full16)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t count, const AverageDivisor& d);
   void (*full8x4)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t pixels,
                   const AverageDivisor& d);
   void (*full16x4)(const uint8_t* const* rows, int n, int32_t* sums, uint8_t* dst, size_t pixels,

@@ -103,8 +103,7 @@ void Rolling4(const uint8_t* in, const uint8_t* out, int32_t* sums, uint8_t* dst
     int32_t* s = sums + 4 * x;
     const uint8_t *a = in + 4 * x, *b = out + 4 * x;
     for (size_t i = 0; i < m; ++i)
-      for (size_t c = 0; c < 3; ++c)
-        acc[3 * i + c] = int32_t(uint32_t(s[4 * i + c]) + a[4 * i + c] - b[4 * i + c]);
+      for (size_t c = 0; c < 3; ++c) acc[3 * i + c] = int32_t(uint32_t(s[4 * i + c]) + a[4 * i + c] - b[4 * i + c]);
     Quotients(acc, q, 3 * m, d);
     uint8_t* o = dst + 4 * x;
     for (size_t i = 0; i < m; ++i)

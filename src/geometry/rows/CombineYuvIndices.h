@@ -58,15 +58,17 @@ constexpr InterleaveIndices MakeInterleave() {
 inline constexpr InterleaveIndices kInterleave = MakeInterleave();
 
 // Per lane: the Y, U and V bytes of the 4:2:2 layouts' eight pixels.
-inline constexpr Index32 kYuv422Y = LaneIndex({0, 2, 4, 6, 8, 10, 12, 14}), kYuv422U = LaneIndex({1, 1, 5, 5, 9, 9, 13, 13}),
-                  kYuv422V = LaneIndex({3, 3, 7, 7, 11, 11, 15, 15});
-inline constexpr Index32 kUvy422Y = LaneIndex({1, 3, 5, 7, 9, 11, 13, 15}), kUvy422U = LaneIndex({0, 0, 4, 4, 8, 8, 12, 12}),
-                  kUvy422V = LaneIndex({2, 2, 6, 6, 10, 10, 14, 14});
+inline constexpr Index32 kYuv422Y = LaneIndex({0, 2, 4, 6, 8, 10, 12, 14}),
+                         kYuv422U = LaneIndex({1, 1, 5, 5, 9, 9, 13, 13}),
+                         kYuv422V = LaneIndex({3, 3, 7, 7, 11, 11, 15, 15});
+inline constexpr Index32 kUvy422Y = LaneIndex({1, 3, 5, 7, 9, 11, 13, 15}),
+                         kUvy422U = LaneIndex({0, 0, 4, 4, 8, 8, 12, 12}),
+                         kUvy422V = LaneIndex({2, 2, 6, 6, 10, 10, 14, 14});
 inline constexpr Index32 kYuv422Pairs = PairIndex({1, 5, 9, 13}, {3, 7, 11, 15}),
                          kUvy422Pairs = PairIndex({0, 4, 8, 12}, {2, 6, 10, 14});
 // 4:1:1: two 6-byte groups a lane, U Y0 Y1 V Y2 Y3 each.
-inline constexpr Index32 kUvy411Y = LaneIndex({1, 2, 4, 5, 7, 8, 10, 11}), kUvy411U = LaneIndex({0, 0, 0, 0, 6, 6, 6, 6}),
-                         kUvy411V = LaneIndex({3, 3, 3, 3, 9, 9, 9, 9});
+inline constexpr Index32 kUvy411Y = LaneIndex({1, 2, 4, 5, 7, 8, 10, 11}),
+                         kUvy411U = LaneIndex({0, 0, 0, 0, 6, 6, 6, 6}), kUvy411V = LaneIndex({3, 3, 3, 3, 9, 9, 9, 9});
 inline constexpr Index32 kUvy411Pairs = PairIndex({0, 0, 6, 6}, {3, 3, 9, 9});
 // 4:4:4: a lane's eight pixels (24 bytes) are pixels 0-3 from bytes 0-15 of
 // one load and pixels 4-7 from a load 8 bytes on; each index fills its half.

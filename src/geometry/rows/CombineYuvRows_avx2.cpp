@@ -36,8 +36,9 @@ inline void Store16(__m256i y, __m256i u, __m256i v, uint8_t* dst) {
   for (int chunk = 0; chunk < 3; ++chunk) {
     __m128i out = _mm_setzero_si128();
     for (int channel = 0; channel < 3; ++channel)
-      out = _mm_or_si128(out, _mm_shuffle_epi8(c[channel], _mm_load_si128(reinterpret_cast<const __m128i*>(
-                                                               kInterleave.at[chunk][channel].i))));
+      out = _mm_or_si128(
+          out, _mm_shuffle_epi8(c[channel],
+                                _mm_load_si128(reinterpret_cast<const __m128i*>(kInterleave.at[chunk][channel].i))));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + 16 * chunk), out);
   }
 }

@@ -59,8 +59,7 @@ struct Channels {
 inline Channels Formula(__m512i y, __m512i u, __m512i v) {
   const __m512i bias = _mm512_set1_epi16(128);
   u = _mm512_sub_epi16(u, bias), v = _mm512_sub_epi16(v, bias);
-  return {Limit(_mm512_add_epi16(y, u)), Limit(_mm512_sub_epi16(y, GreenOffset(u, v))),
-          Limit(_mm512_add_epi16(y, v))};
+  return {Limit(_mm512_add_epi16(y, u)), Limit(_mm512_sub_epi16(y, GreenOffset(u, v))), Limit(_mm512_add_epi16(y, v))};
 }
 
 // The same where pixels go in pairs that share U and V: `pairs` holds each
@@ -81,9 +80,9 @@ inline __m512i Narrow(__m512i first, __m512i second) {
 inline __m512i Chunk(const __m512i c[3], int chunk) {
   __m512i out = _mm512_setzero_si512();
   for (int channel = 0; channel < 3; ++channel)
-    out = _mm512_or_si512(out, _mm512_shuffle_epi8(c[channel], _mm512_broadcast_i32x4(_mm_load_si128(
-                                                                   reinterpret_cast<const __m128i*>(
-                                                                       kInterleave.at[chunk][channel].i)))));
+    out = _mm512_or_si512(
+        out, _mm512_shuffle_epi8(c[channel], _mm512_broadcast_i32x4(_mm_load_si128(
+                                                 reinterpret_cast<const __m128i*>(kInterleave.at[chunk][channel].i)))));
   return out;
 }
 
@@ -113,8 +112,7 @@ inline Channels Pairs32(const uint8_t* s) {
 template <const Index32& Y, const Index32& U, const Index32& V, const Index32& P, YuvStepLayout kLayout>
 void Pairs(const uint8_t* s, uint8_t* d, uint32_t steps) {
   uint32_t k = 0;
-  for (; k + 16 <= steps; k += 16, s += 128, d += 192)
-    Store64(Pairs32<Y, U, V, P>(s), Pairs32<Y, U, V, P>(s + 64), d);
+  for (; k + 16 <= steps; k += 16, s += 128, d += 192) Store64(Pairs32<Y, U, V, P>(s), Pairs32<Y, U, V, P>(s + 64), d);
   kCombineYuvPortable.steps[kLayout](s, d, steps - k);
 }
 

@@ -62,8 +62,8 @@ bool YuvRows(uint32_t w1, uint32_t h1, const void* src1, uint32_t w2, uint32_t h
     steps(s, d, uint32_t(whole));
     for (uint64_t k = whole; 4 * k < pixels; ++k) {  // a step cut by either frame's end
       uint8_t from[12] = {}, to[12];
-      const uint64_t at = stepBytes * k;
-      if (at < readable) std::memcpy(from, s + at, size_t(std::min<uint64_t>(stepBytes, readable - at)));
+      const uint64_t offset = stepBytes * k;
+      if (offset < readable) std::memcpy(from, s + offset, size_t(std::min<uint64_t>(stepBytes, readable - offset)));
       tail(from, to, 1);
       std::memcpy(d + 12 * k, to, size_t(3 * std::min<uint64_t>(4, pixels - 4 * k)));
     }

@@ -1,6 +1,8 @@
 #pragma once
 // Everything a program that links libkestrelink.so needs.
 #include <kestrelink/CH264Conversion.h>
+#include <kestrelink/CImageCombine.h>
+#include <kestrelink/CIppAverageImage.h>
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>

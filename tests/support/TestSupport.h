@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/OpenMP.h"
 #include "primitives/Variant.h"
 
 namespace testsupport {
@@ -48,6 +49,18 @@ class ScopedVariant {
  public:
   explicit ScopedVariant(kestrelink::CpuVariant v) { kestrelink::ForceVariant(v); }
   ~ScopedVariant() { kestrelink::ForceVariant(kestrelink::kVariantCount); }
+};
+
+// Sets the process-wide team size for the scope; restores the one before.
+class ScopedTeam {
+ public:
+  explicit ScopedTeam(int threads) : saved_(kestrelink::platform::TeamSize()) {
+    kestrelink::platform::SetTeamSize(threads);
+  }
+  ~ScopedTeam() { kestrelink::platform::SetTeamSize(saved_); }
+
+ private:
+  int saved_;
 };
 
 // A file under the test's temporary folder, removed at scope end. The name

@@ -474,6 +474,51 @@ expect_refusal 1 "frame" jpeg encode --layout bgr24 --size 64x64 "$work/flat.raw
 expect_refusal 1 "reading the header" jpeg decode "$work/flat.raw" "$work/x.png"
 head -c 200 "$work/colour.jpg" >"$work/cut.jpg"
 expect_refusal 1 "buffer too small" jpeg decode "$work/cut.jpg" "$work/x.png"
+# --- combine --------------------------------------------------------------
+# Mono8 frames of 3x2 and 2x2 side by side make rows of 5; a 2x1 frame under
+# a 3x2 one leaves the rest of its row 0.
+printf '\x01\x02\x03\x04\x05\x06' >"$work/a.mono8"
+printf '\x0a\x14\x1e\x28' >"$work/b.mono8"
+"$tool" combine --layout mono8 "$work/a.mono8" 3x2 "$work/b.mono8" 2x2 "$work/side.raw" || fail "combine: exit $?"
+expect_bytes "combine side by side" "$work/side.raw" "01 02 03 0a 14 04 05 06 1e 28"
+"$tool" combine --layout mono8 --above "$work/a.mono8" 3x2 "$work/b.mono8" 2x1 "$work/above.raw" ||
+  fail "combine --above: exit $?"
+expect_bytes "combine one above the other" "$work/above.raw" "01 02 03 04 05 06 0a 14 00"
+# YUV422 grey (Y 100, U = V = 128) through the integer formula: G comes out one above Y.
+printf '\x64\x80\x64\x80%.0s' 1 2 >"$work/grey.yuv"
+"$tool" combine --layout yuv422 --to bgr24 "$work/grey.yuv" 4x1 "$work/grey.yuv" 4x1 "$work/grey.bgr" ||
+  fail "combine yuv422 to bgr24: exit $?"
+expect_bytes "combine of grey YUV" "$work/grey.bgr" "$(printf '64 65 64 %.0s' {1..8} | sed 's/ $//')"
+"$tool" combine --layout yuv422 --to bgr24 --above "$work/grey.yuv" 4x1 "$work/grey.yuv" 4x1 "$work/grey.png" ||
+  fail "combine to PNG: exit $?"
+expect_png "$work/grey.png" 4 2 8 2
+# 12-bit samples to 8 bits: d1 differs from the output depth, so both frames
+# shift left by 4 and the mask keeps the low byte: 0xABC gives 0xC0.
+printf '\xbc\x0a' >"$work/m12.raw"
+"$tool" combine --layout mono16 --depth 12 --out-depth 8 "$work/m12.raw" 1x1 "$work/m12.raw" 1x1 "$work/m8.raw" ||
+  fail "combine with a depth change: exit $?"
+expect_bytes "combine depth change" "$work/m8.raw" "c0 00 c0 00"
+expect_refusal 2 "no combine of mono8 to bgrx" combine --layout mono8 --to bgrx "$work/a.mono8" 3x2 "$work/b.mono8" 2x2 "$work/x.raw"
+expect_refusal 2 "missing --layout" combine "$work/a.mono8" 3x2 "$work/b.mono8" 2x2 "$work/x.raw"
+expect_refusal 1 "holds" combine --layout mono8 "$work/a.mono8" 9x9 "$work/b.mono8" 2x2 "$work/x.raw"
+
+# --- average --------------------------------------------------------------
+# 2x2 mono8 frames 1 2 3 4, 2 2 5 4, 9 9 9 9: the mean of the first two
+# truncates; rolling over a span of 2, the third frame enters and the first leaves.
+printf '\x01\x02\x03\x04' >"$work/f1.raw"
+printf '\x02\x02\x05\x04' >"$work/f2.raw"
+printf '\x09\x09\x09\x09' >"$work/f3.raw"
+"$tool" average --layout mono8 --size 2x2 --raw "$work/f1.raw" "$work/f2.raw" "$work/avg" || fail "average: exit $?"
+expect_bytes "average of two" "$work/avg/average.raw" "01 02 04 04"
+"$tool" average --layout mono8 --size 2x2 --rolling 2 --raw "$work/f1.raw" "$work/f2.raw" "$work/f3.raw" "$work/roll" ||
+  fail "average --rolling: exit $?"
+expect_bytes "rolling average, first span" "$work/roll/average-0000.raw" "01 02 04 04"
+expect_bytes "rolling average, moved on" "$work/roll/average-0001.raw" "05 05 07 06"
+"$tool" average --layout mono8 --size 2x2 "$work/f1.raw" "$work/f3.raw" "$work/avgpng" || fail "average to PNG: exit $?"
+expect_png "$work/avgpng/average.png" 2 2 8 0
+expect_png_bytes "average PNG" "$work/avgpng/average.png" "05 05 06 06"
+expect_refusal 2 "needs at least" average --layout mono8 --size 2x2 --rolling 3 "$work/f1.raw" "$work/f2.raw" "$work/x"
+expect_refusal 2 "no average of layout" average --layout bgr10 --size 2x2 "$work/f1.raw" "$work/x"
 
 if ((failures)); then
   echo "$failures check(s) failed" >&2

@@ -11,10 +11,12 @@
 namespace kestrelink::tool {
 
 void PrintToolUsage(std::ostream& out) {
-  out << "kestrelink - convert, demosaic and compress raw camera frames\n"
+  out << "kestrelink - convert, demosaic, combine, average and compress raw camera frames\n"
          "\n"
          "usage:\n"
          "  kestrelink convert --from LAYOUT --to LAYOUT --size WxH [options] IN OUT\n"
+         "  kestrelink combine --layout LAYOUT [--above] A.raw WxH B.raw WxH OUT\n"
+         "  kestrelink average --layout LAYOUT --size WxH [--rolling N] FRAMES... OUTDIR\n"
          "  kestrelink demo [--out DIR] [--size WxH]\n"
          "  kestrelink help [COMMAND]\n"
          "\n"
@@ -30,7 +32,8 @@ void PrintToolUsage(std::ostream& out) {
          "  kestrelink demo                 # example pictures in ./kestrelink-demo/\n"
          "  kestrelink convert --from mono16 --depth 12 --to bgrx --size 1920x1080 frame.raw frame.png\n"
          "  kestrelink rotate --angle 90 --size 1920x1080 --layout bgr24 frame.raw turned.png\n"
-         "  kestrelink mirror --axis v --size 1920x1080 --layout mono8 frame.raw mirrored.png\n";
+         "  kestrelink mirror --axis v --size 1920x1080 --layout mono8 frame.raw mirrored.png\n"
+         "  kestrelink combine --layout yuv422 --to bgr24 left.raw 960x1080 right.raw 960x1080 both.png\n";
 }
 
 void PrintHelpUsage(std::ostream& out) {

@@ -1,6 +1,7 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
 #include "CompressVerbs.h"
 #include "DemosaicVerb.h"
+#include "GeometryVerbs.h"
 #include "JpegVerb.h"
 #include "MirrorRotateVerbs.h"
 #include "Verbs.h"
@@ -11,6 +12,9 @@ namespace kestrelink::tool {
 namespace {
 
 constexpr Verb kVerbs[] = {
+    {"average", "average a run of raw frames, whole or as a rolling span", RunAverage, PrintAverageUsage},
+    {"combine", "put two raw frames into one, side by side or one above the other", RunCombine,
+     PrintCombineUsage},
     {"compress", "compress a file without loss (Huffman, LZSS or RLE stream)", RunCompress, PrintCompressUsage},
     {"convert", "convert one raw frame file to another layout (raw bytes or PNG)", RunConvert, PrintConvertUsage},
     {"decompress", "decode a Huffman, LZSS or RLE stream back into the raw file", RunDecompress,

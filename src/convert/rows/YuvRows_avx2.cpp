@@ -8,10 +8,14 @@
 // vector in 32-bit lanes.
 #include <immintrin.h>
 
+#include "convert/rows/YuvFormulaAVX2.h"
 #include "convert/rows/YuvRows.h"
 
 namespace kestrelink::rows {
 namespace {
+
+using avx2::GreenOffset;
+using avx2::Limit;
 
 // Bytes 0 .. 2 of each word: its samples' top 8 bits, low sample first.
 inline __m256i NarrowWords(__m256i w) {
@@ -28,23 +32,6 @@ inline __m256i Spread(__m256i bytes, char i0, char i1, char i2, char i3, char i4
   const __m256i shuffle = _mm256_setr_epi8(i0, z, i1, z, i2, z, i3, z, i4, z, i5, z, z, z, z, z,  //
                                            i0, z, i1, z, i2, z, i3, z, i4, z, i5, z, z, z, z, z);
   return _mm256_shuffle_epi8(bytes, shuffle);
-}
-
-// g per pixel from 16-bit U - 128 and V - 128.
-inline __m256i GreenOffset(__m256i u, __m256i v) {
-  const __m256i weights = _mm256_set1_epi32(int(uint32_t(uint16_t(-32152)) << 16 | 12727u));
-  const __m256i high = _mm256_set1_epi32(int(0xFFFF0000u));
-  const __m256i half = _mm256_set1_epi32(32768), full = _mm256_set1_epi32(65536);
-  auto green = [&](__m256i uv) {
-    const __m256i t = _mm256_add_epi32(_mm256_madd_epi16(uv, weights), _mm256_and_si256(uv, high));
-    const __m256i up = _mm256_and_si256(_mm256_cmpgt_epi32(t, _mm256_setzero_si256()), full);
-    return _mm256_srai_epi32(_mm256_add_epi32(t, _mm256_sub_epi32(up, half)), 16);
-  };
-  return _mm256_packs_epi32(green(_mm256_unpacklo_epi16(u, v)), green(_mm256_unpackhi_epi16(u, v)));
-}
-
-inline __m256i Limit(__m256i x) {
-  return _mm256_min_epi16(_mm256_max_epi16(x, _mm256_setzero_si256()), _mm256_set1_epi16(255));
 }
 
 // Six pixels from each lane to planes at p and p + 6.

@@ -4,5 +4,6 @@
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
+#include <kestrelink/CIppImageResize.h>
 #include <kestrelink/CIppWavletCompression.h>
 #include <kestrelink/DebugOutput.h>

@@ -1,0 +1,38 @@
+#pragma once
+// Rows of the decimating resample: every step-th pixel of a source row, whole
+// pixels of Bytes bytes, to `count` successive output pixels. One load and one
+// store a pixel; steps 1 and 2 of the common pixel sizes move whole vectors.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace kestrelink::geometry {
+
+template <size_t Bytes>
+void DecimateRowPlain(const uint8_t* src, uint32_t step, uint32_t count, uint8_t* dst) {
+  const size_t stride = size_t(step) * Bytes;
+  for (uint32_t i = 0; i < count; ++i) std::memcpy(dst + size_t(i) * Bytes, src + i * stride, Bytes);
+}
+
+// Every second pixel of 1, 2 and 4 bytes, 16 output bytes a step, then the
+// plain loop; answers the pixels done.
+uint32_t DecimateHalf1(const uint8_t* src, uint32_t count, uint8_t* dst);
+uint32_t DecimateHalf2(const uint8_t* src, uint32_t count, uint8_t* dst);
+uint32_t DecimateHalf4(const uint8_t* src, uint32_t count, uint8_t* dst);
+
+template <size_t Bytes>
+void DecimateRow(const uint8_t* src, uint32_t step, uint32_t count, uint8_t* dst) {
+  if (step == 1) {
+    std::memcpy(dst, src, size_t(count) * Bytes);
+    return;
+  }
+  uint32_t done = 0;
+  if (step == 2) {
+    if constexpr (Bytes == 1) done = DecimateHalf1(src, count, dst);
+    if constexpr (Bytes == 2) done = DecimateHalf2(src, count, dst);
+    if constexpr (Bytes == 4) done = DecimateHalf4(src, count, dst);
+  }
+  DecimateRowPlain<Bytes>(src + size_t(done) * step * Bytes, step, count - done, dst + size_t(done) * Bytes);
+}
+
+}  // namespace kestrelink::geometry

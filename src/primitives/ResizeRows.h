@@ -1,0 +1,53 @@
+#pragma once
+// Row kernels of the separable resize, one table per processor variant
+// (portable, AVX2; the other slots fall back). A row is a run of `n`
+// samples; the horizontal pass reads each output sample's taps at byte
+// offsets of one source row, tap-major tables (tap k of sample j at
+// [k * n + j]); the vertical pass blends `taps` horizontal rows.
+//
+// 8-bit: weights in 1/16384; the horizontal rows hold samples times 64,
+// rounded, as int16 (room for the overshoot of the cubic and Lanczos
+// lobes); the vertical pass rounds to the nearest and saturates to 0 .. 255.
+// 16-bit: float weights and rows; the vertical pass rounds and saturates to
+// 0 .. 65535. Every variant gives the same samples as the portable one.
+#include <cstdint>
+
+#include "primitives/Variant.h"
+
+namespace kestrelink::resize {
+
+inline constexpr int kRowFractionBits = 6;
+
+struct ResizeRowKernels {
+  // out[j] = round(sum_k w[k*n+j] * src[off[k*n+j]] / 256). The vector body
+  // runs for j < vectorEnd, where every offset leaves 4 bytes to read.
+  void (*h8)(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t vectorEnd,
+             int16_t* out);
+  void (*h16)(const uint8_t* src, const int32_t* off, const float* w, int taps, uint32_t n, uint32_t vectorEnd,
+              float* out);
+  // dst[j] = saturate(round(sum_k w[k] * rows[k][j] / 2^20)); with keepFourth
+  // every fourth sample (j % 4 == 3) of dst is left as it was.
+  void (*v8)(const int16_t* const* rows, const int16_t* w, int taps, uint32_t n, bool keepFourth, uint8_t* dst);
+  void (*v16)(const float* const* rows, const float* w, int taps, uint32_t n, bool keepFourth, uint16_t* dst);
+};
+
+extern const ResizeRowKernels kResizeRowsPortable;
+extern const ResizeRowKernels kResizeRowsAVX2;
+
+inline const ResizeRowKernels& ResizeRows() {
+  static const ResizeRowKernels* const slots[kVariantCount] = {&kResizeRowsPortable, nullptr, nullptr,
+                                                               &kResizeRowsAVX2, nullptr};
+  return PickVariant(slots);
+}
+
+// Portable rows, also the tails of the vector variants.
+void H8Portable(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t from,
+                int16_t* out);
+void H16Portable(const uint8_t* src, const int32_t* off, const float* w, int taps, uint32_t n, uint32_t from,
+                 float* out);
+void V8Portable(const int16_t* const* rows, const int16_t* w, int taps, uint32_t from, uint32_t n, bool keepFourth,
+                uint8_t* dst);
+void V16Portable(const float* const* rows, const float* w, int taps, uint32_t from, uint32_t n, bool keepFourth,
+                 uint16_t* dst);
+
+}  // namespace kestrelink::resize

@@ -1,0 +1,108 @@
+// AVX2 resize rows (this file is built with -mavx2). The horizontal pass
+// gathers each tap's samples as 32-bit words at their byte offsets and keeps
+// the low byte or word; the vertical pass blends two rows per multiply-add
+// (vpmaddwd) for 8-bit samples and one row per multiply and add for 16-bit
+// ones, in the order and rounding of the portable rows.
+#include <immintrin.h>
+
+#include "primitives/ResizeRows.h"
+
+namespace kestrelink::resize {
+namespace {
+
+inline __m256i Gather(const uint8_t* src, const int32_t* off) {
+  const __m256i o = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(off));
+  return _mm256_i32gather_epi32(reinterpret_cast<const int*>(src), o, 1);
+}
+
+inline __m256i Weights8(const int16_t* w) {
+  return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(w)));
+}
+
+void H8(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t vectorEnd,
+        int16_t* out) {
+  const __m256i low = _mm256_set1_epi32(0xFF), round = _mm256_set1_epi32(128);
+  uint32_t j = 0;
+  for (; j + 16 <= vectorEnd; j += 16) {
+    __m256i a = round, b = round;
+    for (int k = 0; k < taps; ++k) {
+      const size_t at = size_t(k) * n + j;
+      // Bytes are below 256 and the upper half-word of each lane is zero,
+      // so the pair sum is the one product.
+      a = _mm256_add_epi32(a, _mm256_madd_epi16(_mm256_and_si256(Gather(src, off + at), low), Weights8(w + at)));
+      b = _mm256_add_epi32(b, _mm256_madd_epi16(_mm256_and_si256(Gather(src, off + at + 8), low), Weights8(w + at + 8)));
+    }
+    const __m256i packed = _mm256_packs_epi32(_mm256_srai_epi32(a, 8), _mm256_srai_epi32(b, 8));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + j), _mm256_permute4x64_epi64(packed, 0xD8));
+  }
+  H8Portable(src, off, w, taps, n, j, out);
+}
+
+void H16(const uint8_t* src, const int32_t* off, const float* w, int taps, uint32_t n, uint32_t vectorEnd,
+         float* out) {
+  const __m256i low = _mm256_set1_epi32(0xFFFF);
+  uint32_t j = 0;
+  for (; j + 8 <= vectorEnd; j += 8) {
+    __m256 acc = _mm256_setzero_ps();
+    for (int k = 0; k < taps; ++k) {
+      const size_t at = size_t(k) * n + j;
+      const __m256 s = _mm256_cvtepi32_ps(_mm256_and_si256(Gather(src, off + at), low));
+      acc = _mm256_add_ps(acc, _mm256_mul_ps(_mm256_loadu_ps(w + at), s));
+    }
+    _mm256_storeu_ps(out + j, acc);
+  }
+  H16Portable(src, off, w, taps, n, j, out);
+}
+
+inline __m256i LoadRow(const int16_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+
+void V8(const int16_t* const* rows, const int16_t* w, int taps, uint32_t n, bool keepFourth, uint8_t* dst) {
+  const __m128i fourth = _mm_set1_epi32(int(0xFF000000u));
+  uint32_t j = 0;
+  for (; j + 16 <= n; j += 16) {
+    __m256i lo = _mm256_set1_epi32(1 << 19), hi = lo;
+    for (int k = 0; k < taps; k += 2) {
+      const bool pair = k + 1 < taps;
+      const __m256i r0 = LoadRow(rows[k] + j), r1 = pair ? LoadRow(rows[k + 1] + j) : _mm256_setzero_si256();
+      const int second = pair ? w[k + 1] : 0;
+      const __m256i wp = _mm256_set1_epi32(int(uint32_t(uint16_t(second)) << 16 | uint16_t(w[k])));
+      lo = _mm256_add_epi32(lo, _mm256_madd_epi16(_mm256_unpacklo_epi16(r0, r1), wp));
+      hi = _mm256_add_epi32(hi, _mm256_madd_epi16(_mm256_unpackhi_epi16(r0, r1), wp));
+    }
+    // Unpacking and packing within lanes puts the samples back in order.
+    const __m256i words = _mm256_packs_epi32(_mm256_srai_epi32(lo, 20), _mm256_srai_epi32(hi, 20));
+    __m128i bytes = _mm256_castsi256_si128(_mm256_permute4x64_epi64(_mm256_packus_epi16(words, words), 0x08));
+    if (keepFourth)
+      bytes = _mm_blendv_epi8(bytes, _mm_loadu_si128(reinterpret_cast<const __m128i*>(dst + j)), fourth);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + j), bytes);
+  }
+  V8Portable(rows, w, taps, j, n, keepFourth, dst);
+}
+
+inline __m256i Round16(__m256 acc) {
+  const __m256 top = _mm256_set1_ps(65535.0f), half = _mm256_set1_ps(0.5f);
+  return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_min_ps(_mm256_max_ps(acc, _mm256_setzero_ps()), top), half));
+}
+
+void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool keepFourth, uint16_t* dst) {
+  uint32_t j = 0;
+  for (; j + 16 <= n; j += 16) {
+    __m256 a = _mm256_setzero_ps(), b = a;
+    for (int k = 0; k < taps; ++k) {
+      const __m256 wk = _mm256_set1_ps(w[k]);
+      a = _mm256_add_ps(a, _mm256_mul_ps(wk, _mm256_loadu_ps(rows[k] + j)));
+      b = _mm256_add_ps(b, _mm256_mul_ps(wk, _mm256_loadu_ps(rows[k] + j + 8)));
+    }
+    __m256i words = _mm256_permute4x64_epi64(_mm256_packus_epi32(Round16(a), Round16(b)), 0xD8);
+    __m256i* out = reinterpret_cast<__m256i*>(dst + j);
+    if (keepFourth) words = _mm256_blend_epi16(words, _mm256_loadu_si256(out), 0x88);
+    _mm256_storeu_si256(out, words);
+  }
+  V16Portable(rows, w, taps, j, n, keepFourth, dst);
+}
+
+}  // namespace
+
+const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16};
+
+}  // namespace kestrelink::resize

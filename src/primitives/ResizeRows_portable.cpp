@@ -1,0 +1,79 @@
+// Portable resize rows: the reference every vector variant must match.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "primitives/ResizeRows.h"
+
+namespace kestrelink::resize {
+
+namespace {
+
+inline uint16_t Word(const uint8_t* p) {
+  uint16_t v;
+  std::memcpy(&v, p, 2);
+  return v;
+}
+
+constexpr int kVerticalShift = 14 + kRowFractionBits;
+
+}  // namespace
+
+void H8Portable(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t from,
+                int16_t* out) {
+  for (uint32_t j = from; j < n; ++j) {
+    int32_t acc = 128;
+    for (int k = 0; k < taps; ++k) acc += int32_t(w[size_t(k) * n + j]) * src[off[size_t(k) * n + j]];
+    out[j] = int16_t(acc >> 8);
+  }
+}
+
+void H16Portable(const uint8_t* src, const int32_t* off, const float* w, int taps, uint32_t n, uint32_t from,
+                 float* out) {
+  for (uint32_t j = from; j < n; ++j) {
+    float acc = 0;
+    for (int k = 0; k < taps; ++k) acc += w[size_t(k) * n + j] * float(Word(src + off[size_t(k) * n + j]));
+    out[j] = acc;
+  }
+}
+
+void V8Portable(const int16_t* const* rows, const int16_t* w, int taps, uint32_t from, uint32_t n, bool keepFourth,
+                uint8_t* dst) {
+  for (uint32_t j = from; j < n; ++j) {
+    if (keepFourth && j % 4 == 3) continue;
+    int32_t acc = 1 << (kVerticalShift - 1);
+    for (int k = 0; k < taps; ++k) acc += int32_t(w[k]) * rows[k][j];
+    dst[j] = uint8_t(std::clamp(acc >> kVerticalShift, 0, 255));
+  }
+}
+
+void V16Portable(const float* const* rows, const float* w, int taps, uint32_t from, uint32_t n, bool keepFourth,
+                 uint16_t* dst) {
+  for (uint32_t j = from; j < n; ++j) {
+    if (keepFourth && j % 4 == 3) continue;
+    float acc = 0;
+    for (int k = 0; k < taps; ++k) acc += w[k] * rows[k][j];
+    dst[j] = uint16_t(std::clamp(acc, 0.0f, 65535.0f) + 0.5f);
+  }
+}
+
+namespace {
+
+void H8(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t, int16_t* out) {
+  H8Portable(src, off, w, taps, n, 0, out);
+}
+void H16(const uint8_t* src, const int32_t* off, const float* w, int taps, uint32_t n, uint32_t, float* out) {
+  H16Portable(src, off, w, taps, n, 0, out);
+}
+void V8(const int16_t* const* rows, const int16_t* w, int taps, uint32_t n, bool keepFourth, uint8_t* dst) {
+  V8Portable(rows, w, taps, 0, n, keepFourth, dst);
+}
+void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool keepFourth, uint16_t* dst) {
+  V16Portable(rows, w, taps, 0, n, keepFourth, dst);
+}
+
+}  // namespace
+
+const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16};
+
+}  // namespace kestrelink::resize

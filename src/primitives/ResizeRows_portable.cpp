@@ -24,7 +24,7 @@ void H8Portable(const uint8_t* src, const int32_t* off, const int16_t* w, int ta
   for (uint32_t j = from; j < n; ++j) {
     int32_t acc = 128;
     for (int k = 0; k < taps; ++k) acc += int32_t(w[size_t(k) * n + j]) * src[off[size_t(k) * n + j]];
-    out[j] = int16_t(acc >> 8);
+    out[j] = int16_t(std::clamp(acc >> 8, -32768, 32767));  // as the vector pack saturates
   }
 }
 

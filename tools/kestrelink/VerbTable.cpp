@@ -1,6 +1,7 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
 #include "CompressVerbs.h"
 #include "DemosaicVerb.h"
+#include "ResizeVerb.h"
 #include "Verbs.h"
 #include "WaveletVerb.h"
 
@@ -19,6 +20,8 @@ constexpr Verb kVerbs[] = {
      PrintDemosaicUsage},
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
+    {"resize", "scale a raw frame to another size (nearest, linear, cubic, Lanczos or area average)", RunResize,
+     PrintResizeUsage},
     {"wavelet", "encode a grey frame with the block wavelet codec, or decode it back", RunWavelet,
      PrintWaveletUsage},
 };

@@ -17,13 +17,14 @@ constexpr size_t kAlign = 64;
 inline size_t Up(size_t bytes) { return (bytes + kAlign - 1) / kAlign * kAlign; }
 
 // Sizes of the buffer's parts, in carving order.
+constexpr int kParts = 14;
 struct Parts {
-  size_t sizes[11];
+  size_t sizes[kParts];
 };
 Parts PartSizes(uint32_t n, int tx, int ty) {
   const size_t xs = size_t(n) * size_t(tx), ys = size_t(ty);
   return {{xs * 4, xs * 2, xs * 4, ys * 4, ys * 8, ys * 2, ys * 4, ys * 8, ys * sizeof(void*), ys * sizeof(void*),
-           ys * size_t(n) * 4}};
+           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4}};
 }
 
 }  // namespace
@@ -45,13 +46,14 @@ size_t ResizeWorkBytes(int64_t samples, int kind, double xFactor, double yFactor
 Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty) {
   const Parts parts = PartSizes(n, tx, ty);
   uint8_t* at = reinterpret_cast<uint8_t*>((reinterpret_cast<uintptr_t>(buffer) + kAlign - 1) / kAlign * kAlign);
-  uint8_t* p[11];
-  for (int i = 0; i < 11; ++i) {
+  uint8_t* p[kParts];
+  for (int i = 0; i < kParts; ++i) {
     p[i] = at;
     at += Up(parts.sizes[i]);
   }
   Work w;
-  w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0};
+  w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0,
+         false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13])};
   w.ty = ty;
   w.yIdx = reinterpret_cast<int32_t*>(p[3]);
   w.yW = reinterpret_cast<double*>(p[4]);
@@ -92,6 +94,26 @@ void FindVectorEnd(RowTables& t, size_t rowBytes) {
   t.vectorEnd = end;
 }
 
+void FoldWindows(RowTables& t, size_t rowBytes) {
+  t.window = false;
+  if (rowBytes < 4 || t.taps < 2 || t.taps > 4) return;
+  for (uint32_t j = 0; j < t.n; ++j) {
+    int32_t lo = t.off[j], hi = t.off[j];
+    for (int k = 1; k < t.taps; ++k) {
+      lo = std::min(lo, t.off[size_t(k) * t.n + j]);
+      hi = std::max(hi, t.off[size_t(k) * t.n + j]);
+    }
+    const int32_t base = std::min(lo, int32_t(rowBytes) - 4);
+    if (hi - base > 3) return;
+    int32_t folded[4] = {0, 0, 0, 0};
+    for (int k = 0; k < t.taps; ++k) folded[t.off[size_t(k) * t.n + j] - base] += t.wq[size_t(k) * t.n + j];
+    t.win[j] = base;
+    t.w01[j] = int32_t(uint32_t(uint16_t(folded[0])) | uint32_t(folded[1]) << 16);
+    t.w23[j] = int32_t(uint32_t(uint16_t(folded[2])) | uint32_t(folded[3]) << 16);
+  }
+  t.window = true;
+}
+
 namespace {
 
 // The vertical weights of one output row in the form a sample type uses.
@@ -118,9 +140,13 @@ void RunFiltered(const RunRows& r, Work& w) {
       const int slot = row % w.ty;
       if (w.tags[slot] != row) {
         const uint8_t* s = r.src + r.srcStep * row;
-        if constexpr (sizeof(Sample) == 1)
-          k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, static_cast<int16_t*>(w.slots[slot]));
-        else
+        if constexpr (sizeof(Sample) == 1) {
+          if (x.window)
+            k.h8win(s, x.win, x.w01, x.w23, x.n, static_cast<int16_t*>(w.slots[slot]));
+          else
+            k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, static_cast<int16_t*>(w.slots[slot]));
+        }
+        if constexpr (sizeof(Sample) == 2)
           k.h16(s, x.off, x.wf, x.taps, x.n, x.vectorEnd, static_cast<float*>(w.slots[slot]));
         w.tags[slot] = row;
       }
@@ -164,7 +190,16 @@ CopyRow PickCopy(int copyBytes, int dstStride) {
 }  // namespace
 
 void RunNearest(const RunRows& r, const RowTables& x, int copyBytes, int dstStride) {
-  const CopyRow copy = PickCopy(copyBytes, dstStride);
+  const ResizeRowKernels& k = ResizeRows();
+  const CopyRow plain = PickCopy(copyBytes, dstStride);
+  auto copy = [&](const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* out) {
+    if (copyBytes == 1 && dstStride == 1)
+      k.nn8(src, off, n, x.vectorEnd, out);
+    else if (copyBytes == 3 && dstStride == 4)
+      k.nn8x4keep(src, off, n, out);
+    else
+      plain(src, off, n, out);
+  };
   int32_t row = 0, previous = -1;
   double weight = 0;
   const size_t rowBytes = size_t(x.n) * size_t(dstStride);

@@ -27,6 +27,12 @@ struct RowTables {
   uint32_t n;        // output samples a row
   int taps;
   uint32_t vectorEnd;  // samples whose every tap leaves 4 bytes of the row to read
+  // One-channel 8-bit rows whose taps fit four bytes: where they start and
+  // the taps' weights folded onto them (ResizeRowKernels::h8win).
+  bool window;
+  int32_t* win;
+  int32_t* w01;
+  int32_t* w23;
 };
 
 // Where the tables and the ring lie in a buffer of WorkBytes(n, tx, ty).
@@ -46,6 +52,10 @@ Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty);
 
 // Sets w.x.vectorEnd for source rows of rowBytes bytes.
 void FindVectorEnd(RowTables& t, size_t rowBytes);
+
+// Folds the taps of one-byte samples into four-byte windows inside rows of
+// rowBytes bytes, and sets t.window when every sample's taps fit one.
+void FoldWindows(RowTables& t, size_t rowBytes);
 
 // Output rows y0 .. y0+rows-1 (absolute destination rows): dstRow(y) is the
 // first output sample of row y; src + r * srcStep is source row r, of

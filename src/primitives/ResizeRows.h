@@ -29,6 +29,16 @@ struct ResizeRowKernels {
   // every fourth sample (j % 4 == 3) of dst is left as it was.
   void (*v8)(const int16_t* const* rows, const int16_t* w, int taps, uint32_t n, bool keepFourth, uint8_t* dst);
   void (*v16)(const float* const* rows, const float* w, int taps, uint32_t n, bool keepFourth, uint16_t* dst);
+  // 8-bit rows of one channel whose taps lie within the four bytes at
+  // win[j]: out[j] = round(sum_b w_b * src[win[j] + b] / 256), with the
+  // weights of bytes 0 and 1 in w01[j] (low half first) and of 2 and 3 in
+  // w23[j]; the four bytes always lie inside the row.
+  void (*h8win)(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n,
+                int16_t* out);
+  // Nearest neighbour of bytes, dst[j] = src[off[j]], vectors for j < vectorEnd;
+  // and of four-byte pixels whose fourth byte in dst stays as it was.
+  void (*nn8)(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst);
+  void (*nn8x4keep)(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst);
 };
 
 extern const ResizeRowKernels kResizeRowsPortable;
@@ -49,5 +59,9 @@ void V8Portable(const int16_t* const* rows, const int16_t* w, int taps, uint32_t
                 uint8_t* dst);
 void V16Portable(const float* const* rows, const float* w, int taps, uint32_t from, uint32_t n, bool keepFourth,
                  uint16_t* dst);
+void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t from,
+                   uint32_t n, int16_t* out);
+void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
+void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 
 }  // namespace kestrelink::resize

@@ -101,8 +101,55 @@ void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool ke
   V16Portable(rows, w, taps, j, n, keepFourth, dst);
 }
 
+constexpr char Z = -1;  // a zero byte in a shuffle
+
+void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n, int16_t* out) {
+  // Bytes 0, 1 and 2, 3 of each gathered word as 16-bit pairs for vpmaddwd.
+  const __m256i first = _mm256_setr_epi8(0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z,  //
+                                          0, Z, 1, Z, 4, Z, 5, Z, 8, Z, 9, Z, 12, Z, 13, Z);
+  const __m256i second = _mm256_setr_epi8(2, Z, 3, Z, 6, Z, 7, Z, 10, Z, 11, Z, 14, Z, 15, Z,  //
+                                           2, Z, 3, Z, 6, Z, 7, Z, 10, Z, 11, Z, 14, Z, 15, Z);
+  const __m256i round = _mm256_set1_epi32(128);
+  auto eight = [&](uint32_t j) {
+    const __m256i g = Gather(src, win + j);
+    const __m256i a = _mm256_madd_epi16(_mm256_shuffle_epi8(g, first),
+                                        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w01 + j)));
+    const __m256i b = _mm256_madd_epi16(_mm256_shuffle_epi8(g, second),
+                                        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(w23 + j)));
+    return _mm256_srai_epi32(_mm256_add_epi32(_mm256_add_epi32(a, b), round), 8);
+  };
+  uint32_t j = 0;
+  for (; j + 16 <= n; j += 16) {
+    const __m256i packed = _mm256_packs_epi32(eight(j), eight(j + 8));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + j), _mm256_permute4x64_epi64(packed, 0xD8));
+  }
+  H8WinPortable(src, win, w01, w23, j, n, out);
+}
+
+void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst) {
+  const __m256i low = _mm256_setr_epi8(0, 4, 8, 12, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z,  //
+                                       0, 4, 8, 12, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z);
+  const __m256i join = _mm256_setr_epi32(0, 4, 1, 1, 1, 1, 1, 1);
+  uint32_t j = 0;
+  for (; j + 8 <= vectorEnd; j += 8) {
+    const __m256i bytes = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(Gather(src, off + j), low), join);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(dst + j), _mm256_castsi256_si128(bytes));
+  }
+  NN8Portable(src, off, j, n, dst);
+}
+
+void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst) {
+  const __m256i fourth = _mm256_set1_epi32(int(0xFF000000u));
+  uint32_t j = 0;
+  for (; j + 8 <= n; j += 8) {
+    __m256i* out = reinterpret_cast<__m256i*>(dst + 4 * size_t(j));
+    _mm256_storeu_si256(out, _mm256_blendv_epi8(Gather(src, off + j), _mm256_loadu_si256(out), fourth));
+  }
+  NN8x4KeepPortable(src, off, j, n, dst);
+}
+
 }  // namespace
 
-const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16};
+const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep};
 
 }  // namespace kestrelink::resize

@@ -57,7 +57,35 @@ void V16Portable(const float* const* rows, const float* w, int taps, uint32_t fr
   }
 }
 
+void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t from,
+                   uint32_t n, int16_t* out) {
+  for (uint32_t j = from; j < n; ++j) {
+    const uint8_t* s = src + win[j];
+    const int32_t acc = 128 + int16_t(w01[j]) * s[0] + (w01[j] >> 16) * s[1] + int16_t(w23[j]) * s[2] +
+                        (w23[j] >> 16) * s[3];
+    out[j] = int16_t(std::clamp(acc >> 8, -32768, 32767));
+  }
+}
+
+void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst) {
+  for (uint32_t j = from; j < n; ++j) dst[j] = src[off[j]];
+}
+
+void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst) {
+  for (uint32_t j = from; j < n; ++j) std::memcpy(dst + 4 * size_t(j), src + off[j], 3);
+}
+
 namespace {
+
+void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n, int16_t* out) {
+  H8WinPortable(src, win, w01, w23, 0, n, out);
+}
+void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t, uint8_t* dst) {
+  NN8Portable(src, off, 0, n, dst);
+}
+void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst) {
+  NN8x4KeepPortable(src, off, 0, n, dst);
+}
 
 void H8(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t, int16_t* out) {
   H8Portable(src, off, w, taps, n, 0, out);
@@ -74,6 +102,6 @@ void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool ke
 
 }  // namespace
 
-const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16};
+const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep};
 
 }  // namespace kestrelink::resize

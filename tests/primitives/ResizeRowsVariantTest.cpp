@@ -100,4 +100,38 @@ TEST(ResizeRowsVariants, VerticalRowsMatchThePortableRows) {
   }
 }
 
+TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
+  std::mt19937 rng(29);
+  for (auto v : testsupport::RunnableVariants()) {
+    const ResizeRowKernels* k = Table(v);
+    if (!k || k == &kResizeRowsPortable) continue;
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    for (uint32_t n = 0; n <= 70; n += 1 + n / 8) {
+      const std::vector<uint8_t> src = testsupport::RandomBytes(64, n + 5);
+      std::vector<int32_t> win, w01, w23, off, off4;
+      for (uint32_t j = 0; j < n; ++j) {
+        win.push_back(int32_t(rng() % 61));  // four bytes inside the row
+        w01.push_back(int32_t(rng()));
+        w23.push_back(int32_t(rng() % 20000));
+        off.push_back(int32_t(rng() % 64));
+        off4.push_back(int32_t(rng() % 16) * 4);
+      }
+      std::vector<int16_t> want(n + 8, 3), got = want;
+      kResizeRowsPortable.h8win(src.data(), win.data(), w01.data(), w23.data(), n, want.data());
+      k->h8win(src.data(), win.data(), w01.data(), w23.data(), n, got.data());
+      ASSERT_EQ(want, got) << "h8win, n " << n;
+      uint32_t vectorEnd = n;
+      for (uint32_t j = 0; j < n; ++j)
+        if (off[j] + 4 > 64) vectorEnd = std::min(vectorEnd, j);
+      std::vector<uint8_t> nnWant = testsupport::RandomBytes(4 * n + 8, n), nnGot = nnWant;
+      kResizeRowsPortable.nn8(src.data(), off.data(), n, vectorEnd, nnWant.data());
+      k->nn8(src.data(), off.data(), n, vectorEnd, nnGot.data());
+      ASSERT_EQ(nnWant, nnGot) << "nn8, n " << n;
+      kResizeRowsPortable.nn8x4keep(src.data(), off4.data(), n, nnWant.data());
+      k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());
+      ASSERT_EQ(nnWant, nnGot) << "nn8x4keep, n " << n;
+    }
+  }
+}
+
 }  // namespace

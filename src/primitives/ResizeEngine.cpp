@@ -17,14 +17,14 @@ constexpr size_t kAlign = 64;
 inline size_t Up(size_t bytes) { return (bytes + kAlign - 1) / kAlign * kAlign; }
 
 // Sizes of the buffer's parts, in carving order.
-constexpr int kParts = 14;
+constexpr int kParts = 16;
 struct Parts {
   size_t sizes[kParts];
 };
 Parts PartSizes(uint32_t n, int tx, int ty) {
   const size_t xs = size_t(n) * size_t(tx), ys = size_t(ty);
   return {{xs * 4, xs * 2, xs * 4, ys * 4, ys * 8, ys * 2, ys * 4, ys * 8, ys * sizeof(void*), ys * sizeof(void*),
-           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4}};
+           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, xs * 4, xs * 4}};
 }
 
 }  // namespace
@@ -53,7 +53,8 @@ Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty) {
   }
   Work w;
   w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0,
-         false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13])};
+         false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13]),
+         false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15])};
   w.ty = ty;
   w.yIdx = reinterpret_cast<int32_t*>(p[3]);
   w.yW = reinterpret_cast<double*>(p[4]);
@@ -114,6 +115,26 @@ void FoldWindows(RowTables& t, size_t rowBytes) {
   t.window = true;
 }
 
+void GatherPixels(RowTables& t) {
+  t.pix4 = false;
+  if (t.taps < 2) return;
+  const uint32_t pixels = t.n / 4, blocks = pixels / 8;
+  const int pairs = (t.taps + 1) / 2;
+  for (int k = 0; k < t.taps; ++k)
+    for (uint32_t p = 0; p < pixels; ++p) t.pixOff[size_t(k) * pixels + p] = t.off[size_t(k) * t.n + 4 * p];
+  auto weight = [&](int k, uint32_t sample) { return uint16_t(t.wq[size_t(k) * t.n + sample]); };
+  for (uint32_t b = 0; b < blocks; ++b)
+    for (int pair = 0; pair < pairs; ++pair)
+      for (uint32_t v = 0; v < 4; ++v)
+        for (uint32_t lane = 0; lane < 8; ++lane) {
+          const uint32_t sample = 4 * (8 * b + v + 4 * (lane / 4)) + lane % 4;
+          const int k0 = 2 * pair, k1 = 2 * pair + 1;
+          const uint32_t high = k1 < t.taps ? weight(k1, sample) : 0;
+          t.wpairs[((size_t(b) * pairs + pair) * 4 + v) * 8 + lane] = int32_t(weight(k0, sample) | high << 16);
+        }
+  t.pix4 = true;
+}
+
 namespace {
 
 // The vertical weights of one output row in the form a sample type uses.
@@ -141,10 +162,16 @@ void RunFiltered(const RunRows& r, Work& w) {
       if (w.tags[slot] != row) {
         const uint8_t* s = r.src + r.srcStep * row;
         if constexpr (sizeof(Sample) == 1) {
-          if (x.window)
-            k.h8win(s, x.win, x.w01, x.w23, x.n, static_cast<int16_t*>(w.slots[slot]));
-          else
-            k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, static_cast<int16_t*>(w.slots[slot]));
+          int16_t* out = static_cast<int16_t*>(w.slots[slot]);
+          if (x.window) {
+            k.h8win(s, x.win, x.w01, x.w23, x.n, out);
+          } else if (x.pix4) {
+            const uint32_t blocks = x.n / 32;
+            k.h8px4(s, x.pixOff, x.n / 4, x.wpairs, x.taps, blocks, out);
+            H8Portable(s, x.off, x.wq, x.taps, x.n, 32 * blocks, out);
+          } else {
+            k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, out);
+          }
         }
         if constexpr (sizeof(Sample) == 2)
           k.h16(s, x.off, x.wf, x.taps, x.n, x.vectorEnd, static_cast<float*>(w.slots[slot]));

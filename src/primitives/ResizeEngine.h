@@ -33,6 +33,11 @@ struct RowTables {
   int32_t* win;
   int32_t* w01;
   int32_t* w23;
+  // Four-channel 8-bit rows: taps gathered a pixel at a time
+  // (ResizeRowKernels::h8px4).
+  bool pix4;
+  int32_t* pixOff;
+  int32_t* wpairs;
 };
 
 // Where the tables and the ring lie in a buffer of WorkBytes(n, tx, ty).
@@ -56,6 +61,10 @@ void FindVectorEnd(RowTables& t, size_t rowBytes);
 // Folds the taps of one-byte samples into four-byte windows inside rows of
 // rowBytes bytes, and sets t.window when every sample's taps fit one.
 void FoldWindows(RowTables& t, size_t rowBytes);
+
+// Lays out the taps of four-sample pixels for gathering whole pixels, and
+// sets t.pix4.
+void GatherPixels(RowTables& t);
 
 // Output rows y0 .. y0+rows-1 (absolute destination rows): dstRow(y) is the
 // first output sample of row y; src + r * srcStep is source row r, of

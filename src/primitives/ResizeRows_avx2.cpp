@@ -5,6 +5,8 @@
 // ones, in the order and rounding of the portable rows.
 #include <immintrin.h>
 
+#include <algorithm>
+
 #include "primitives/ResizeRows.h"
 
 namespace kestrelink::resize {
@@ -148,8 +150,36 @@ void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst)
   NN8x4KeepPortable(src, off, j, n, dst);
 }
 
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
+           uint32_t blocks, int16_t* out) {
+  const int pairs = (taps + 1) / 2;
+  const __m256i zero = _mm256_setzero_si256(), round = _mm256_set1_epi32(128);
+  auto load = [](const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); };
+  for (uint32_t b = 0; b < blocks; ++b) {
+    __m256i a = round, bb = round, c = round, d = round;
+    for (int t = 0; t < pairs; ++t) {
+      const int k0 = 2 * t, k1 = std::min(2 * t + 1, taps - 1);
+      const __m256i g0 = Gather(src, pixOff + size_t(k0) * pixels + 8 * b);
+      const __m256i g1 = Gather(src, pixOff + size_t(k1) * pixels + 8 * b);
+      // Taps interleaved byte by byte, then widened: one pixel's four
+      // channels as (tap 2t, tap 2t+1) word pairs in each half.
+      const __m256i lo = _mm256_unpacklo_epi8(g0, g1), hi = _mm256_unpackhi_epi8(g0, g1);
+      const int32_t* w = wpairs + (size_t(b) * pairs + t) * 32;
+      a = _mm256_add_epi32(a, _mm256_madd_epi16(_mm256_unpacklo_epi8(lo, zero), load(w)));
+      bb = _mm256_add_epi32(bb, _mm256_madd_epi16(_mm256_unpackhi_epi8(lo, zero), load(w + 8)));
+      c = _mm256_add_epi32(c, _mm256_madd_epi16(_mm256_unpacklo_epi8(hi, zero), load(w + 16)));
+      d = _mm256_add_epi32(d, _mm256_madd_epi16(_mm256_unpackhi_epi8(hi, zero), load(w + 24)));
+    }
+    const __m256i x = _mm256_packs_epi32(_mm256_srai_epi32(a, 8), _mm256_srai_epi32(bb, 8));  // p0 p1 | p4 p5
+    const __m256i y = _mm256_packs_epi32(_mm256_srai_epi32(c, 8), _mm256_srai_epi32(d, 8));   // p2 p3 | p6 p7
+    __m256i* o = reinterpret_cast<__m256i*>(out + 32 * size_t(b));
+    _mm256_storeu_si256(o, _mm256_permute2x128_si256(x, y, 0x20));
+    _mm256_storeu_si256(o + 1, _mm256_permute2x128_si256(x, y, 0x31));
+  }
+}
+
 }  // namespace
 
-const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep};
+const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, H8Px4};
 
 }  // namespace kestrelink::resize

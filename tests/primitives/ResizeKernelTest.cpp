@@ -90,6 +90,7 @@ double LargestError(double& exact, Kernel<T> kernel, int channels, uint32_t top,
   const std::vector<double> ref = Ref(src, roi, s.dstW, s.dstH, m.ref);
   double largest = 0;
   for (size_t i = 0; i < ref.size(); ++i) {
+    if (channels == 4 && i % 4 == 3) continue;  // the fourth sample is not written
     largest = std::max(largest, std::fabs(double(out.s[i]) - testsupport::RefSample(ref[i], top)));
     if (ref[i] >= 0 && ref[i] <= top) exact = std::max(exact, std::fabs(double(out.s[i]) - ref[i]));
   }
@@ -107,9 +108,11 @@ TEST(ResizeKernel, WithinOneOfTheDoubleReference) {
         SCOPED_TRACE(testing::Message() << kestrelink::VariantName(v) << " " << m.name << " " << s.w << "x" << s.h
                                         << " -> " << s.dstW << "x" << s.dstH);
         worst8 = std::max({worst8, LargestError<Ipp8u>(exact8, ippiResizeSqrPixel_8u_C1R, 1, 255, m, s),
-                           LargestError<Ipp8u>(exact8, ippiResizeSqrPixel_8u_C3R, 3, 255, m, s)});
+                           LargestError<Ipp8u>(exact8, ippiResizeSqrPixel_8u_C3R, 3, 255, m, s),
+                           LargestError<Ipp8u>(exact8, ippiResizeSqrPixel_8u_AC4R, 4, 255, m, s)});
         worst16 = std::max({worst16, LargestError<Ipp16u>(exact16, ippiResizeSqrPixel_16u_C1R, 1, 65535, m, s),
-                            LargestError<Ipp16u>(exact16, ippiResizeSqrPixel_16u_C3R, 3, 65535, m, s)});
+                            LargestError<Ipp16u>(exact16, ippiResizeSqrPixel_16u_C3R, 3, 65535, m, s),
+                            LargestError<Ipp16u>(exact16, ippiResizeSqrPixel_16u_AC4R, 4, 65535, m, s)});
       }
     EXPECT_LE(worst8, 1.0);
     EXPECT_LE(worst16, 1.0);

@@ -127,6 +127,16 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       kResizeRowsPortable.nn8(src.data(), off.data(), n, vectorEnd, nnWant.data());
       k->nn8(src.data(), off.data(), n, vectorEnd, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8, n " << n;
+      for (int taps : {2, 3, 4, 6}) {
+        const uint32_t blocks = n / 8;
+        std::vector<int32_t> pixOff, pairs;
+        for (uint32_t i = 0; i < uint32_t(taps) * n; ++i) pixOff.push_back(int32_t(rng() % 16) * 4);
+        for (uint32_t i = 0; i < blocks * uint32_t((taps + 1) / 2) * 32; ++i) pairs.push_back(int32_t(rng() % 9000));
+        std::vector<int16_t> pxWant(32 * size_t(blocks) + 8, 1), pxGot = pxWant;
+        kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, blocks, pxWant.data());
+        k->h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, blocks, pxGot.data());
+        ASSERT_EQ(pxWant, pxGot) << "h8px4, taps " << taps << ", blocks " << blocks;
+      }
       kResizeRowsPortable.nn8x4keep(src.data(), off4.data(), n, nnWant.data());
       k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8x4keep, n " << n;

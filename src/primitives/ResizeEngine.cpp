@@ -222,6 +222,8 @@ void RunNearest(const RunRows& r, const RowTables& x, int copyBytes, int dstStri
   auto copy = [&](const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* out) {
     if (copyBytes == 1 && dstStride == 1)
       k.nn8(src, off, n, x.vectorEnd, out);
+    else if (copyBytes == 2 && dstStride == 2)
+      k.nn16(src, off, n, x.vectorEnd, out);
     else if (copyBytes == 3 && dstStride == 4)
       k.nn8x4keep(src, off, n, out);
     else

@@ -39,6 +39,8 @@ struct ResizeRowKernels {
   // and of four-byte pixels whose fourth byte in dst stays as it was.
   void (*nn8)(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst);
   void (*nn8x4keep)(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst);
+  // Nearest neighbour of 16-bit samples, vectors for j < vectorEnd.
+  void (*nn16)(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst);
   // Four-channel 8-bit rows, `blocks` blocks of 8 pixels (32 samples): each
   // tap gathers whole pixels, pixOff[k * pixels + p] the byte offset of tap
   // k of pixel p. Weights come in pairs of taps (2t, 2t+1; an odd last tap
@@ -71,6 +73,7 @@ void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, c
 void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
                    uint32_t fromBlock, uint32_t blocks, int16_t* out);
 void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
+void NN16Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 
 }  // namespace kestrelink::resize

@@ -140,6 +140,17 @@ void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd,
   NN8Portable(src, off, j, n, dst);
 }
 
+void NN16(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst) {
+  const __m256i low = _mm256_set1_epi32(0xFFFF);
+  uint32_t j = 0;
+  for (; j + 16 <= vectorEnd; j += 16) {
+    const __m256i a = _mm256_and_si256(Gather(src, off + j), low), b = _mm256_and_si256(Gather(src, off + j + 8), low);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + 2 * size_t(j)),
+                        _mm256_permute4x64_epi64(_mm256_packus_epi32(a, b), 0xD8));
+  }
+  NN16Portable(src, off, j, n, dst);
+}
+
 void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst) {
   const __m256i fourth = _mm256_set1_epi32(int(0xFF000000u));
   uint32_t j = 0;
@@ -180,6 +191,6 @@ void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int
 
 }  // namespace
 
-const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, H8Px4};
+const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, NN16, H8Px4};
 
 }  // namespace kestrelink::resize

@@ -89,6 +89,10 @@ void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t
   for (uint32_t j = from; j < n; ++j) dst[j] = src[off[j]];
 }
 
+void NN16Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst) {
+  for (uint32_t j = from; j < n; ++j) std::memcpy(dst + 2 * size_t(j), src + off[j], 2);
+}
+
 void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst) {
   for (uint32_t j = from; j < n; ++j) std::memcpy(dst + 4 * size_t(j), src + off[j], 3);
 }
@@ -108,6 +112,9 @@ void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t, uint8_t* 
 void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst) {
   NN8x4KeepPortable(src, off, 0, n, dst);
 }
+void NN16(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t, uint8_t* dst) {
+  NN16Portable(src, off, 0, n, dst);
+}
 
 void H8(const uint8_t* src, const int32_t* off, const int16_t* w, int taps, uint32_t n, uint32_t, int16_t* out) {
   H8Portable(src, off, w, taps, n, 0, out);
@@ -124,6 +131,6 @@ void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool ke
 
 }  // namespace
 
-const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, H8Px4};
+const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, NN16, H8Px4};
 
 }  // namespace kestrelink::resize

@@ -127,6 +127,15 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       kResizeRowsPortable.nn8(src.data(), off.data(), n, vectorEnd, nnWant.data());
       k->nn8(src.data(), off.data(), n, vectorEnd, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8, n " << n;
+      std::vector<int32_t> off16;
+      uint32_t vectorEnd16 = n;
+      for (uint32_t j = 0; j < n; ++j) {
+        off16.push_back(off[j] / 2 * 2);
+        if (off16[j] + 4 > 64) vectorEnd16 = std::min(vectorEnd16, j);
+      }
+      kResizeRowsPortable.nn16(src.data(), off16.data(), n, vectorEnd16, nnWant.data());
+      k->nn16(src.data(), off16.data(), n, vectorEnd16, nnGot.data());
+      ASSERT_EQ(nnWant, nnGot) << "nn16, n " << n;
       for (int taps : {2, 3, 4, 6}) {
         const uint32_t blocks = n / 8;
         std::vector<int32_t> pixOff, pairs;

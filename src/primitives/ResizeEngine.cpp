@@ -54,7 +54,7 @@ Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty) {
   Work w;
   w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0,
          false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13]),
-         false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15])};
+         false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15]), 4, 0};
   w.ty = ty;
   w.yIdx = reinterpret_cast<int32_t*>(p[3]);
   w.yW = reinterpret_cast<double*>(p[4]);
@@ -115,19 +115,26 @@ void FoldWindows(RowTables& t, size_t rowBytes) {
   t.window = true;
 }
 
-void GatherPixels(RowTables& t) {
+void GatherPixels(RowTables& t, int channels, size_t rowBytes) {
   t.pix4 = false;
   if (t.taps < 2) return;
-  const uint32_t pixels = t.n / 4, blocks = pixels / 8;
+  const uint32_t pixels = t.n / uint32_t(channels), blocks = pixels / 8;
   const int pairs = (t.taps + 1) / 2;
+  t.pixChannels = channels;
+  t.pixBlocks = blocks;
   for (int k = 0; k < t.taps; ++k)
-    for (uint32_t p = 0; p < pixels; ++p) t.pixOff[size_t(k) * pixels + p] = t.off[size_t(k) * t.n + 4 * p];
+    for (uint32_t p = 0; p < pixels; ++p) {
+      const int32_t at = t.off[size_t(k) * t.n + uint32_t(channels) * p];
+      t.pixOff[size_t(k) * pixels + p] = at;
+      if (size_t(at) + 4 > rowBytes) t.pixBlocks = std::min(t.pixBlocks, p / 8);
+    }
   auto weight = [&](int k, uint32_t sample) { return uint16_t(t.wq[size_t(k) * t.n + sample]); };
   for (uint32_t b = 0; b < blocks; ++b)
     for (int pair = 0; pair < pairs; ++pair)
       for (uint32_t v = 0; v < 4; ++v)
         for (uint32_t lane = 0; lane < 8; ++lane) {
-          const uint32_t sample = 4 * (8 * b + v + 4 * (lane / 4)) + lane % 4;
+          // The fourth lane of a three-sample pixel is computed and dropped.
+          const uint32_t sample = uint32_t(channels) * (8 * b + v + 4 * (lane / 4)) + std::min(lane % 4, uint32_t(channels) - 1);
           const int k0 = 2 * pair, k1 = 2 * pair + 1;
           const uint32_t high = k1 < t.taps ? weight(k1, sample) : 0;
           t.wpairs[((size_t(b) * pairs + pair) * 4 + v) * 8 + lane] = int32_t(weight(k0, sample) | high << 16);
@@ -166,9 +173,9 @@ void RunFiltered(const RunRows& r, Work& w) {
           if (x.window) {
             k.h8win(s, x.win, x.w01, x.w23, x.n, out);
           } else if (x.pix4) {
-            const uint32_t blocks = x.n / 32;
-            k.h8px4(s, x.pixOff, x.n / 4, x.wpairs, x.taps, blocks, out);
-            H8Portable(s, x.off, x.wq, x.taps, x.n, 32 * blocks, out);
+            const uint32_t pixels = x.n / uint32_t(x.pixChannels);
+            k.h8px4(s, x.pixOff, pixels, x.wpairs, x.taps, x.pixChannels, x.pixBlocks, out);
+            H8Portable(s, x.off, x.wq, x.taps, x.n, 8 * x.pixBlocks * uint32_t(x.pixChannels), out);
           } else {
             k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, out);
           }

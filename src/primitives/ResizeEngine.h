@@ -33,11 +33,13 @@ struct RowTables {
   int32_t* win;
   int32_t* w01;
   int32_t* w23;
-  // Four-channel 8-bit rows: taps gathered a pixel at a time
-  // (ResizeRowKernels::h8px4).
+  // Three- and four-channel 8-bit rows: taps gathered a pixel at a time
+  // (ResizeRowKernels::h8px4) for the first pixBlocks blocks of 8 pixels.
   bool pix4;
   int32_t* pixOff;
   int32_t* wpairs;
+  int pixChannels;
+  uint32_t pixBlocks;
 };
 
 // Where the tables and the ring lie in a buffer of WorkBytes(n, tx, ty).
@@ -62,9 +64,9 @@ void FindVectorEnd(RowTables& t, size_t rowBytes);
 // rowBytes bytes, and sets t.window when every sample's taps fit one.
 void FoldWindows(RowTables& t, size_t rowBytes);
 
-// Lays out the taps of four-sample pixels for gathering whole pixels, and
-// sets t.pix4.
-void GatherPixels(RowTables& t);
+// Lays out the taps of pixels of `channels` one-byte samples (3 or 4) for
+// gathering four bytes a pixel inside rows of rowBytes, and sets t.pix4.
+void GatherPixels(RowTables& t, int channels, size_t rowBytes);
 
 // Output rows y0 .. y0+rows-1 (absolute destination rows): dstRow(y) is the
 // first output sample of row y; src + r * srcStep is source row r, of

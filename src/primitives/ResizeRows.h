@@ -41,13 +41,15 @@ struct ResizeRowKernels {
   void (*nn8x4keep)(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst);
   // Nearest neighbour of 16-bit samples, vectors for j < vectorEnd.
   void (*nn16)(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst);
-  // Four-channel 8-bit rows, `blocks` blocks of 8 pixels (32 samples): each
-  // tap gathers whole pixels, pixOff[k * pixels + p] the byte offset of tap
-  // k of pixel p. Weights come in pairs of taps (2t, 2t+1; an odd last tap
-  // pairs with itself at weight 0), low half first, per block and pair four
-  // vectors of 8 lanes: vector v holds pixels v and v+4, channels 0-3 each.
+  // Three- and four-channel 8-bit rows, `blocks` blocks of 8 pixels: each
+  // tap gathers four bytes a pixel, pixOff[k * pixels + p] the byte offset
+  // of tap k of pixel p. Weights come in pairs of taps (2t, 2t+1; an odd
+  // last tap pairs with itself at weight 0), low half first, per block and
+  // pair four vectors of 8 lanes: vector v holds pixels v and v+4, four
+  // lanes each. Three-channel rows write three samples a pixel (and may
+  // write two samples past the block, which the next one overwrites).
   void (*h8px4)(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
-                uint32_t blocks, int16_t* out);
+                int channels, uint32_t blocks, int16_t* out);
 };
 
 extern const ResizeRowKernels kResizeRowsPortable;
@@ -71,7 +73,7 @@ void V16Portable(const float* const* rows, const float* w, int taps, uint32_t fr
 void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t from,
                    uint32_t n, int16_t* out);
 void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
-                   uint32_t fromBlock, uint32_t blocks, int16_t* out);
+                   int channels, uint32_t fromBlock, uint32_t blocks, int16_t* out);
 void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 void NN16Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);

@@ -161,8 +161,11 @@ void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst)
   NN8x4KeepPortable(src, off, j, n, dst);
 }
 
-void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
            uint32_t blocks, int16_t* out) {
+  // Three samples of each of a lane's two pixels, then four spare bytes.
+  const __m256i three = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, Z, Z, Z, Z,  //
+                                         0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, Z, Z, Z, Z);
   const int pairs = (taps + 1) / 2;
   const __m256i zero = _mm256_setzero_si256(), round = _mm256_set1_epi32(128);
   auto load = [](const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); };
@@ -183,9 +186,19 @@ void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int
     }
     const __m256i x = _mm256_packs_epi32(_mm256_srai_epi32(a, 8), _mm256_srai_epi32(bb, 8));  // p0 p1 | p4 p5
     const __m256i y = _mm256_packs_epi32(_mm256_srai_epi32(c, 8), _mm256_srai_epi32(d, 8));   // p2 p3 | p6 p7
-    __m256i* o = reinterpret_cast<__m256i*>(out + 32 * size_t(b));
-    _mm256_storeu_si256(o, _mm256_permute2x128_si256(x, y, 0x20));
-    _mm256_storeu_si256(o + 1, _mm256_permute2x128_si256(x, y, 0x31));
+    const __m256i first = _mm256_permute2x128_si256(x, y, 0x20), second = _mm256_permute2x128_si256(x, y, 0x31);
+    if (channels == 4) {
+      __m256i* o = reinterpret_cast<__m256i*>(out + 32 * size_t(b));
+      _mm256_storeu_si256(o, first);
+      _mm256_storeu_si256(o + 1, second);
+    } else {
+      int16_t* o = out + 24 * size_t(b);
+      const __m256i f = _mm256_shuffle_epi8(first, three), g = _mm256_shuffle_epi8(second, three);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(o), _mm256_castsi256_si128(f));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(o + 6), _mm256_extracti128_si256(f, 1));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(o + 12), _mm256_castsi256_si128(g));
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(o + 18), _mm256_extracti128_si256(g, 1));
+    }
   }
 }
 

@@ -68,11 +68,11 @@ void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, c
 }
 
 void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
-                   uint32_t fromBlock, uint32_t blocks, int16_t* out) {
+                   int channels, uint32_t fromBlock, uint32_t blocks, int16_t* out) {
   const int pairs = (taps + 1) / 2;
   for (uint32_t b = fromBlock; b < blocks; ++b)
     for (uint32_t p = 0; p < 8; ++p)
-      for (uint32_t c = 0; c < 4; ++c) {
+      for (uint32_t c = 0; c < uint32_t(channels); ++c) {
         int32_t acc = 128;
         for (int t = 0; t < pairs; ++t) {
           const int k0 = 2 * t, k1 = std::min(2 * t + 1, taps - 1);
@@ -81,7 +81,7 @@ void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, c
           acc += int16_t(pair) * src[pixOff[size_t(k0) * pixels + pixel] + c] +
                  (pair >> 16) * src[pixOff[size_t(k1) * pixels + pixel] + c];
         }
-        out[32 * size_t(b) + 4 * p + c] = int16_t(std::clamp(acc >> 8, -32768, 32767));
+        out[(8 * size_t(b) + p) * channels + c] = int16_t(std::clamp(acc >> 8, -32768, 32767));
       }
 }
 
@@ -102,9 +102,9 @@ namespace {
 void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n, int16_t* out) {
   H8WinPortable(src, win, w01, w23, 0, n, out);
 }
-void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
            uint32_t blocks, int16_t* out) {
-  H8Px4Portable(src, pixOff, pixels, wpairs, taps, 0, blocks, out);
+  H8Px4Portable(src, pixOff, pixels, wpairs, taps, channels, 0, blocks, out);
 }
 void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t, uint8_t* dst) {
   NN8Portable(src, off, 0, n, dst);

@@ -53,7 +53,7 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
   const size_t srcRowBytes = size_t(srcSize.width) * size_t(pixelBytes);
   FindVectorEnd(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels == 1) FoldWindows(work.x, srcRowBytes);
-  if (sizeof(Sample) == 1 && channels == 4) GatherPixels(work.x);
+  if (sizeof(Sample) == 1 && channels > 1) GatherPixels(work.x, channels, srcRowBytes);
 
   const RunRows rows{reinterpret_cast<const uint8_t*>(pSrc), srcStep, srcRowBytes,
                      reinterpret_cast<uint8_t*>(pDst) + int64_t(dstRoi.x) * pixelBytes, dstStep,

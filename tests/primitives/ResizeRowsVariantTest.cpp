@@ -141,10 +141,15 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
         std::vector<int32_t> pixOff, pairs;
         for (uint32_t i = 0; i < uint32_t(taps) * n; ++i) pixOff.push_back(int32_t(rng() % 16) * 4);
         for (uint32_t i = 0; i < blocks * uint32_t((taps + 1) / 2) * 32; ++i) pairs.push_back(int32_t(rng() % 9000));
-        std::vector<int16_t> pxWant(32 * size_t(blocks) + 8, 1), pxGot = pxWant;
-        kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, blocks, pxWant.data());
-        k->h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, blocks, pxGot.data());
-        ASSERT_EQ(pxWant, pxGot) << "h8px4, taps " << taps << ", blocks " << blocks;
+        for (int channels : {3, 4}) {
+          // Three-sample rows may write two samples past the last block.
+          std::vector<int16_t> pxWant(size_t(8 * channels) * blocks + 8, 1), pxGot = pxWant;
+          kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxWant.data());
+          k->h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxGot.data());
+          pxWant.resize(size_t(8 * channels) * blocks);
+          pxGot.resize(pxWant.size());
+          ASSERT_EQ(pxWant, pxGot) << "h8px4, channels " << channels << ", taps " << taps << ", blocks " << blocks;
+        }
       }
       kResizeRowsPortable.nn8x4keep(src.data(), off4.data(), n, nnWant.data());
       k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());

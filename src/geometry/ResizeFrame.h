@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 #include "frame/RowLoop.h"
 #include "primitives/Resize.h"
@@ -46,7 +47,9 @@ bool RunResize(const ResizeJob& job, int nChannel, Kernel kernel) {
   int bytes = 0;
   if (ippiResizeGetBufSize(job.srcRoi, job.dstRect, nChannel, job.interpolation, &bytes) != ippStsNoErr) return false;
   return ForEachBand(uint32_t(job.dstRect.height), [&](uint32_t first, uint32_t count) {
-           const std::unique_ptr<Ipp8u[]> buffer(new Ipp8u[size_t(bytes)]);
+           // A buffer that cannot be had fails the band, not the process.
+           const std::unique_ptr<Ipp8u[]> buffer(new (std::nothrow) Ipp8u[size_t(bytes)]);
+           if (!buffer) return int(ippStsNoMemErr);
            const IppiRect band{0, int32_t(first), job.dstRect.width, int32_t(count)};
            return kernel(band, buffer.get());
          }) == ippStsNoErr;

@@ -25,9 +25,12 @@
 //
 // Status: -8 a null pointer; -6 a source or destination region with no
 // pixel; -23 a factor that is not a positive finite number; -22 an unknown
-// interpolation; -37 a source ROI that has no pixel inside the image.
+// interpolation; -37 a source ROI that has no pixel inside the image; -9
+// scratch memory that could not be had.
 #include "primitives/GeometryTypes.h"
 #include "primitives/IppTypes.h"
+
+inline constexpr IppStatus ippStsNoMemErr = -9;
 
 // Bytes of the work buffer that ippiResizeSqrPixel needs for these
 // rectangles (factors dstRoi / srcRoi), nChannel samples a pixel (1, 3 or

@@ -4,6 +4,8 @@
 // written interleaved again (Y0 Cb Y1 Cr); an odd width ends with a Y and a Cb.
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <vector>
 
 #include "primitives/Resize.h"
@@ -29,8 +31,9 @@ IppStatus ResizeYUV422Region(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, I
   const int64_t samples = 2 * int64_t(dstRoi.width);
   const size_t bytes = ResizeWorkBytes(samples, kind, xFactor, yFactor);
   if (bytes == SIZE_MAX) return ippStsSizeErr;
-  std::vector<uint8_t> buffer(bytes);
-  Work work = CarveWork(buffer.data(), uint32_t(samples), tx, ty);
+  const std::unique_ptr<uint8_t[]> buffer(new (std::nothrow) uint8_t[bytes]);
+  if (!buffer) return ippStsNoMemErr;
+  Work work = CarveWork(buffer.get(), uint32_t(samples), tx, ty);
 
   const AxisMap luma{kind, xFactor, 0.0, double(srcRoi.x), x0, x1, tx};
   const AxisMap chroma{kind, xFactor, 0.0, srcRoi.x / 2.0, c0, c1, tx};

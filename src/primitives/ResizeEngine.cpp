@@ -17,14 +17,14 @@ constexpr size_t kAlign = 64;
 inline size_t Up(size_t bytes) { return (bytes + kAlign - 1) / kAlign * kAlign; }
 
 // Sizes of the buffer's parts, in carving order.
-constexpr int kParts = 16;
+constexpr int kParts = 17;
 struct Parts {
   size_t sizes[kParts];
 };
 Parts PartSizes(uint32_t n, int tx, int ty) {
   const size_t xs = size_t(n) * size_t(tx), ys = size_t(ty);
   return {{xs * 4, xs * 2, xs * 4, ys * 4, ys * 8, ys * 2, ys * 4, ys * 8, ys * sizeof(void*), ys * sizeof(void*),
-           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, xs * 4, xs * 4}};
+           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, xs * 4, xs * 4, size_t(n) * 16}};
 }
 
 }  // namespace
@@ -54,7 +54,8 @@ Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty) {
   Work w;
   w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0,
          false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13]),
-         false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15]), 4, 0};
+         false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15]), 4, 0,
+         0, reinterpret_cast<float*>(p[16])};
   w.ty = ty;
   w.yIdx = reinterpret_cast<int32_t*>(p[3]);
   w.yW = reinterpret_cast<double*>(p[4]);
@@ -113,6 +114,27 @@ void FoldWindows(RowTables& t, size_t rowBytes) {
     t.w23[j] = int32_t(uint32_t(uint16_t(folded[2])) | uint32_t(folded[3]) << 16);
   }
   t.window = true;
+}
+
+void FoldWindows16(RowTables& t, size_t rowBytes) {
+  t.windowWidth = 0;
+  const int width = t.taps == 2 ? 2 : 4;
+  const int32_t samples = int32_t(rowBytes / 2);
+  if (t.taps < 2 || t.taps > 4 || samples < width) return;
+  for (uint32_t j = 0; j < t.n; ++j) {
+    int32_t lo = t.off[j] / 2, hi = lo;
+    for (int k = 1; k < t.taps; ++k) {
+      lo = std::min(lo, t.off[size_t(k) * t.n + j] / 2);
+      hi = std::max(hi, t.off[size_t(k) * t.n + j] / 2);
+    }
+    const int32_t base = std::min(lo, samples - width);
+    if (hi - base >= width) return;
+    for (int b = 0; b < width; ++b) t.wwin[size_t(b) * t.n + j] = 0;
+    for (int k = 0; k < t.taps; ++k)
+      t.wwin[size_t(t.off[size_t(k) * t.n + j] / 2 - base) * t.n + j] += t.wf[size_t(k) * t.n + j];
+    t.win[j] = 2 * base;
+  }
+  t.windowWidth = width;
 }
 
 void GatherPixels(RowTables& t, int channels, size_t rowBytes) {
@@ -180,8 +202,12 @@ void RunFiltered(const RunRows& r, Work& w) {
             k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, out);
           }
         }
-        if constexpr (sizeof(Sample) == 2)
-          k.h16(s, x.off, x.wf, x.taps, x.n, x.vectorEnd, static_cast<float*>(w.slots[slot]));
+        if constexpr (sizeof(Sample) == 2) {
+          if (x.windowWidth)
+            k.h16win(s, x.win, x.wwin, x.windowWidth, x.n, static_cast<float*>(w.slots[slot]));
+          else
+            k.h16(s, x.off, x.wf, x.taps, x.n, x.vectorEnd, static_cast<float*>(w.slots[slot]));
+        }
         w.tags[slot] = row;
       }
       w.rows[t] = w.slots[slot];

@@ -40,6 +40,10 @@ struct RowTables {
   int32_t* wpairs;
   int pixChannels;
   uint32_t pixBlocks;
+  // One-channel 16-bit rows whose taps fit windowWidth samples from win[j],
+  // the weights folded onto them in wwin (ResizeRowKernels::h16win).
+  int windowWidth;
+  float* wwin;
 };
 
 // Where the tables and the ring lie in a buffer of WorkBytes(n, tx, ty).
@@ -63,6 +67,10 @@ void FindVectorEnd(RowTables& t, size_t rowBytes);
 // Folds the taps of one-byte samples into four-byte windows inside rows of
 // rowBytes bytes, and sets t.window when every sample's taps fit one.
 void FoldWindows(RowTables& t, size_t rowBytes);
+
+// The same for 16-bit samples in windows of 2 (two taps) or 4 samples;
+// sets t.windowWidth, 0 when the taps do not fit.
+void FoldWindows16(RowTables& t, size_t rowBytes);
 
 // Lays out the taps of pixels of `channels` one-byte samples (3 or 4) for
 // gathering four bytes a pixel inside rows of rowBytes, and sets t.pix4.

@@ -35,6 +35,10 @@ struct ResizeRowKernels {
   // w23[j]; the four bytes always lie inside the row.
   void (*h8win)(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n,
                 int16_t* out);
+  // 16-bit rows of one channel whose taps lie within `width` (2 or 4)
+  // samples from byte offset win[j]: out[j] = sum_b wf[b * n + j] * sample b,
+  // summed in order from 0; the samples always lie inside the row.
+  void (*h16win)(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t n, float* out);
   // Nearest neighbour of bytes, dst[j] = src[off[j]], vectors for j < vectorEnd;
   // and of four-byte pixels whose fourth byte in dst stays as it was.
   void (*nn8)(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst);
@@ -74,6 +78,8 @@ void H8WinPortable(const uint8_t* src, const int32_t* win, const int32_t* w01, c
                    uint32_t n, int16_t* out);
 void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
                    int channels, uint32_t fromBlock, uint32_t blocks, int16_t* out);
+void H16WinPortable(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t from, uint32_t n,
+                    float* out);
 void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 void NN16Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);
 void NN8x4KeepPortable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst);

@@ -128,6 +128,24 @@ void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int
   H8WinPortable(src, win, w01, w23, j, n, out);
 }
 
+void H16Win(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t n, float* out) {
+  const __m256i low = _mm256_set1_epi32(0xFFFF);
+  uint32_t j = 0;
+  for (; j + 8 <= n; j += 8) {
+    const __m256i offsets = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(win + j));
+    __m256 acc = _mm256_setzero_ps();
+    for (int b = 0; b < width; b += 2) {
+      // Two samples a gathered word: sample b low, b + 1 high.
+      const __m256i g = _mm256_i32gather_epi32(reinterpret_cast<const int*>(src + 2 * b), offsets, 1);
+      const __m256 s0 = _mm256_cvtepi32_ps(_mm256_and_si256(g, low)), s1 = _mm256_cvtepi32_ps(_mm256_srli_epi32(g, 16));
+      acc = _mm256_add_ps(acc, _mm256_mul_ps(_mm256_loadu_ps(wf + size_t(b) * n + j), s0));
+      acc = _mm256_add_ps(acc, _mm256_mul_ps(_mm256_loadu_ps(wf + size_t(b + 1) * n + j), s1));
+    }
+    _mm256_storeu_ps(out + j, acc);
+  }
+  H16WinPortable(src, win, wf, width, j, n, out);
+}
+
 void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t vectorEnd, uint8_t* dst) {
   const __m256i low = _mm256_setr_epi8(0, 4, 8, 12, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z,  //
                                        0, 4, 8, 12, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z, Z);
@@ -204,6 +222,6 @@ void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int
 
 }  // namespace
 
-const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, NN16, H8Px4};
+const ResizeRowKernels kResizeRowsAVX2 = {H8, H16, V8, V16, H8Win, H16Win, NN8, NN8x4Keep, NN16, H8Px4};
 
 }  // namespace kestrelink::resize

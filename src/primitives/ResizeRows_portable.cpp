@@ -85,6 +85,15 @@ void H8Px4Portable(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, c
       }
 }
 
+void H16WinPortable(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t from, uint32_t n,
+                    float* out) {
+  for (uint32_t j = from; j < n; ++j) {
+    float acc = 0;
+    for (int b = 0; b < width; ++b) acc += wf[size_t(b) * n + j] * float(Word(src + win[j] + 2 * b));
+    out[j] = acc;
+  }
+}
+
 void NN8Portable(const uint8_t* src, const int32_t* off, uint32_t from, uint32_t n, uint8_t* dst) {
   for (uint32_t j = from; j < n; ++j) dst[j] = src[off[j]];
 }
@@ -105,6 +114,9 @@ void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int
 void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
            uint32_t blocks, int16_t* out) {
   H8Px4Portable(src, pixOff, pixels, wpairs, taps, channels, 0, blocks, out);
+}
+void H16Win(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t n, float* out) {
+  H16WinPortable(src, win, wf, width, 0, n, out);
 }
 void NN8(const uint8_t* src, const int32_t* off, uint32_t n, uint32_t, uint8_t* dst) {
   NN8Portable(src, off, 0, n, dst);
@@ -131,6 +143,6 @@ void V16(const float* const* rows, const float* w, int taps, uint32_t n, bool ke
 
 }  // namespace
 
-const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16, H8Win, NN8, NN8x4Keep, NN16, H8Px4};
+const ResizeRowKernels kResizeRowsPortable = {H8, H16, V8, V16, H8Win, H16Win, NN8, NN8x4Keep, NN16, H8Px4};
 
 }  // namespace kestrelink::resize

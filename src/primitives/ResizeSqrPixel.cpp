@@ -54,6 +54,7 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
   FindVectorEnd(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels == 1) FoldWindows(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels > 1) GatherPixels(work.x, channels, srcRowBytes);
+  if (sizeof(Sample) == 2 && channels == 1) FoldWindows16(work.x, srcRowBytes);
 
   const RunRows rows{reinterpret_cast<const uint8_t*>(pSrc), srcStep, srcRowBytes,
                      reinterpret_cast<uint8_t*>(pDst) + int64_t(dstRoi.x) * pixelBytes, dstStep,

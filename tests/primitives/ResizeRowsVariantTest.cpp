@@ -120,6 +120,16 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       kResizeRowsPortable.h8win(src.data(), win.data(), w01.data(), w23.data(), n, want.data());
       k->h8win(src.data(), win.data(), w01.data(), w23.data(), n, got.data());
       ASSERT_EQ(want, got) << "h8win, n " << n;
+      for (int width : {2, 4}) {
+        std::vector<int32_t> win16;
+        std::vector<float> wf;
+        for (uint32_t j = 0; j < n; ++j) win16.push_back(int32_t(rng() % uint32_t(33 - width)) * 2);
+        for (uint32_t i = 0; i < uint32_t(width) * n; ++i) wf.push_back(float(int(rng() % 12000) - 2000) / 16384.0f);
+        std::vector<float> fWant(n + 8, 2.0f), fGot = fWant;
+        kResizeRowsPortable.h16win(src.data(), win16.data(), wf.data(), width, n, fWant.data());
+        k->h16win(src.data(), win16.data(), wf.data(), width, n, fGot.data());
+        ASSERT_EQ(fWant, fGot) << "h16win, width " << width << ", n " << n;
+      }
       uint32_t vectorEnd = n;
       for (uint32_t j = 0; j < n; ++j)
         if (off[j] + 4 > 64) vectorEnd = std::min(vectorEnd, j);

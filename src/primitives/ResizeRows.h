@@ -1,6 +1,6 @@
 #pragma once
 // Row kernels of the separable resize, one table per processor variant
-// (portable, AVX2; the other slots fall back). A row is a run of `n`
+// (portable, AVX2, AVX-512; the SSE slots fall back). A row is a run of `n`
 // samples; the horizontal pass reads each output sample's taps at byte
 // offsets of one source row, tap-major tables (tap k of sample j at
 // [k * n + j]); the vertical pass blends `taps` horizontal rows.
@@ -58,10 +58,11 @@ struct ResizeRowKernels {
 
 extern const ResizeRowKernels kResizeRowsPortable;
 extern const ResizeRowKernels kResizeRowsAVX2;
+extern const ResizeRowKernels kResizeRowsAVX512;  // the AVX2 rows with a wider vertical pass
 
 inline const ResizeRowKernels& ResizeRows() {
   static const ResizeRowKernels* const slots[kVariantCount] = {&kResizeRowsPortable, nullptr, nullptr,
-                                                               &kResizeRowsAVX2, nullptr};
+                                                               &kResizeRowsAVX2, &kResizeRowsAVX512};
   return PickVariant(slots);
 }
 

@@ -14,7 +14,7 @@ namespace {
 using namespace kestrelink::resize;
 
 const ResizeRowKernels* Table(kestrelink::CpuVariant v) {
-  const ResizeRowKernels* tables[] = {&kResizeRowsPortable, nullptr, nullptr, &kResizeRowsAVX2, nullptr};
+  const ResizeRowKernels* tables[] = {&kResizeRowsPortable, nullptr, nullptr, &kResizeRowsAVX2, &kResizeRowsAVX512};
   return tables[v];
 }
 

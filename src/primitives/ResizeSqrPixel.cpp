@@ -31,8 +31,9 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
   const int64_t samples = int64_t(dstRoi.width) * channels;
   // The buffer was sized for factors no smaller than the rectangles' ratios.
   const double rectX = double(dstRoi.width) / srcRoi.width, rectY = double(dstRoi.height) / srcRoi.height;
-  if (ResizeWorkBytes(samples, kind, xFactor, yFactor) > ResizeWorkBytes(samples, kind, rectX, rectY))
-    return ippStsResizeFactorErr;
+  const size_t needed = ResizeWorkBytes(samples, kind, xFactor, yFactor);
+  if (needed == SIZE_MAX) return ippStsSizeErr;
+  if (needed > ResizeWorkBytes(samples, kind, rectX, rectY)) return ippStsResizeFactorErr;
 
   const AxisMap xAxis = Axis(kind, xFactor, xShift, srcRoi.x, x0, x1);
   const AxisMap yAxis = Axis(kind, yFactor, yShift, srcRoi.y, y0, y1);

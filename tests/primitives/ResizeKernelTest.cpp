@@ -304,6 +304,8 @@ TEST(ResizeKernel, StatusOfBadArguments) {
        buffer.data(), -23},
       {"unknown interpolation", src.s.data(), {8, 8}, {0, 0, 8, 8}, dst.s.data(), {0, 0, 4, 4}, .5, .5, 3,
        buffer.data(), -22},
+      {"area factor far below the rectangles' ratio: more taps than the buffer was sized for", src.s.data(),
+       {8, 8}, {0, 0, 8, 8}, dst.s.data(), {0, 0, 4, 4}, 0.01, .5, 8, buffer.data(), -23},
       {"ROI right of the frame", src.s.data(), {8, 8}, {8, 0, 8, 8}, dst.s.data(), {0, 0, 4, 4}, .5, .5, 2,
        buffer.data(), -37},
       {"ROI above the frame", src.s.data(), {8, 8}, {0, -9, 8, 8}, dst.s.data(), {0, 0, 4, 4}, .5, .5, 2,

@@ -112,6 +112,19 @@ TEST(ImageResample, HalvingRowsMatchThePlainLoop) {
     DecimateRow<4>(src4.data(), 2, count, a.data());
     DecimateRowPlain<4>(src4.data(), 2, count, b.data());
     ASSERT_EQ(a, b) << "4 bytes, " << count;
+    // Three- and six-byte pixels at every step, from a source that ends at
+    // the last pixel read, into an output that ends at the last pixel written.
+    for (uint32_t step = 1; step <= 3; ++step) {
+      const size_t last = count == 0 ? 0 : size_t(count - 1) * step + 1;
+      const Bytes s3 = testsupport::RandomBytes(3 * last, count + step), s6 = testsupport::RandomBytes(6 * last, count);
+      Bytes w3(3 * size_t(count)), p3(w3.size()), w6(6 * size_t(count)), p6(w6.size());
+      DecimateRow<3>(s3.data(), step, count, w3.data());
+      DecimateRowPlain<3>(s3.data(), step, count, p3.data());
+      ASSERT_EQ(w3, p3) << "3 bytes, step " << step << ", " << count;
+      DecimateRow<6>(s6.data(), step, count, w6.data());
+      DecimateRowPlain<6>(s6.data(), step, count, p6.data());
+      ASSERT_EQ(w6, p6) << "6 bytes, step " << step << ", " << count;
+    }
   }
 }
 

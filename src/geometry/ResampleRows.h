@@ -33,6 +33,7 @@ uint32_t DecimateHalf4(const uint8_t* src, uint32_t count, uint8_t* dst);
 
 template <size_t Bytes>
 void DecimateRow(const uint8_t* src, uint32_t step, uint32_t count, uint8_t* dst) {
+  if (count == 0) return;
   if (step == 1) {
     std::memcpy(dst, src, size_t(count) * Bytes);
     return;

@@ -104,19 +104,26 @@ void Register(Case c) {
 
 void RegisterMemcpy(uint32_t bytesPerPixel) {
   const Settings& s = BenchSettings();
+  RegisterMemcpyFrame(s.width, s.height, bytesPerPixel);
+}
+
+void RegisterMemcpyFrame(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
+  const Settings& s = BenchSettings();
   Registry& registry = TheRegistry();
-  const size_t rowBytes = size_t(s.width) * bytesPerPixel;
-  const size_t bytes = rowBytes * s.height;
+  const size_t rowBytes = size_t(width) * bytesPerPixel;
+  const size_t bytes = rowBytes * height;
   FrameBuffer& src = registry.memcpyBuffers.emplace_back(bytes);
   FrameBuffer& dst = registry.memcpyBuffers.emplace_back(bytes);
   FillBytes(src.data(), bytes, 0x3E3C9ull + bytesPerPixel);
   Case c;
   c.operation = "memcpy:" + std::to_string(bytesPerPixel) + "Bpp";
+  if (width != s.width || height != s.height)
+    c.operation = "memcpy:" + std::to_string(width) + "x" + std::to_string(height) + ":" + std::to_string(bytesPerPixel) + "Bpp";
   c.implementation = kMemcpy;
   c.bytesRead = bytes;
   c.bytesWritten = bytes;
   c.team = SplitRowsTeam();
-  c.run = [&src, &dst, rowBytes, rows = s.height](int threads) {
+  c.run = [&src, &dst, rowBytes, rows = height](int threads) {
     SplitRows(rows, threads, [&](uint32_t first, uint32_t count) {
       std::memcpy(dst.data() + first * rowBytes, src.data() + first * rowBytes, count * rowBytes);
     });

@@ -54,6 +54,9 @@ void Register(Case c);
 // Registers memcpy of a frame of `bytesPerPixel` bytes per pixel, as
 // operation "memcpy:<n>Bpp", on buffers of its own.
 void RegisterMemcpy(uint32_t bytesPerPixel);
+// The same for a frame of another size (a resize's output), as operation
+// "memcpy:<w>x<h>:<n>Bpp".
+void RegisterMemcpyFrame(uint32_t width, uint32_t height, uint32_t bytesPerPixel);
 
 // Defined by each benchmark program: registers its cases. Called by main
 // once the command line and the settings have been read.

@@ -32,6 +32,14 @@ Settings ReadSettings() {
       std::fprintf(stderr, "KESTRELINK_BENCH_SIZE=%s is not WxH; keeping %ux%u\n", size, s.width, s.height);
     }
   }
+  if (const char* seconds = std::getenv("KESTRELINK_BENCH_SECONDS")) {
+    const double value = std::atof(seconds);
+    if (value > 0)
+      s.hotMinSeconds = value;
+    else
+      std::fprintf(stderr, "KESTRELINK_BENCH_SECONDS=%s is not a positive number; keeping %g\n", seconds,
+                   s.hotMinSeconds);
+  }
   return s;
 }
 

@@ -5,6 +5,8 @@
 //   KESTRELINK_BENCH_SIZE=WxH       another frame size (default 1920x1080)
 //   KESTRELINK_BENCH_VARIANT=name   force a kernel variant (portable, sse2,
 //                                   ssse3, avx2, avx512); default: the machine's
+//   KESTRELINK_BENCH_SECONDS=s      timed seconds of each hot repetition (default 0.1),
+//                                   to shorten a long matrix without fewer repetitions
 #include <cstddef>
 #include <cstdint>
 

@@ -8,5 +8,6 @@
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/CIppImageMirror.h>
 #include <kestrelink/CIppImageRotate.h>
+#include <kestrelink/CIppImageResize.h>
 #include <kestrelink/CIppWavletCompression.h>
 #include <kestrelink/DebugOutput.h>

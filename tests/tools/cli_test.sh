@@ -519,6 +519,37 @@ expect_png "$work/avgpng/average.png" 2 2 8 0
 expect_png_bytes "average PNG" "$work/avgpng/average.png" "05 05 06 06"
 expect_refusal 2 "needs at least" average --layout mono8 --size 2x2 --rolling 3 "$work/f1.raw" "$work/f2.raw" "$work/x"
 expect_refusal 2 "no average of layout" average --layout bgr10 --size 2x2 "$work/f1.raw" "$work/x"
+# --- resize ---------------------------------------------------------------
+# A 3x2 mono8 frame doubled by nearest neighbour gives 2x2 blocks; halved by
+# area average, a 4x2 frame gives the mean of each 2x2 block; bgrx keeps its
+# fourth byte 0; a bgr24 PNG has the output's size.
+printf '\x00\x10\x20\x30\x40\x50' >"$work/m3x2.raw"
+"$tool" resize --size 3x2 --layout mono8 --to 6x4 --mode nearest "$work/m3x2.raw" "$work/m6x4.raw" >/dev/null ||
+  fail "resize nearest: exit $?"
+expect_bytes "resize nearest 2x" "$work/m6x4.raw" \
+  "00 00 10 10 20 20 00 00 10 10 20 20 30 30 40 40 50 50 30 30 40 40 50 50"
+printf '\x00\x10\x20\x40\x20\x30\x60\x80' >"$work/m4x2.raw"
+"$tool" resize --size 4x2 --layout mono8 --to 2x1 --mode super "$work/m4x2.raw" "$work/m2x1.raw" >/dev/null ||
+  fail "resize super: exit $?"
+expect_bytes "resize area half" "$work/m2x1.raw" "18 50"
+printf '\x01\x02\x03\x04%.0s' {1..4} >"$work/x2x2.raw"
+"$tool" resize --size 2x2 --layout bgrx --to 3x1 --mode cubic "$work/x2x2.raw" "$work/x3x1.raw" >/dev/null ||
+  fail "resize bgrx: exit $?"
+expect_bytes "resize bgrx of one colour" "$work/x3x1.raw" "01 02 03 00 01 02 03 00 01 02 03 00"
+head -c $((64 * 48 * 3)) /dev/urandom >"$work/bgr.raw"
+"$tool" resize --size 64x48 --layout bgr24 --to 40x30 --mode lanczos "$work/bgr.raw" "$work/small.png" >/dev/null ||
+  fail "resize to PNG: exit $?"
+expect_png "$work/small.png" 40 30 8 2
+head -c $((8 * 4 * 8)) /dev/urandom >"$work/b64.raw"
+"$tool" resize --size 8x4 --layout bgrx64 --to 5x3 "$work/b64.raw" "$work/b64.png" >/dev/null ||
+  fail "resize bgrx64 to PNG: exit $?"
+expect_png "$work/b64.png" 5 3 16 2
+expect_png "$demo_dir/17-resized-half-lanczos.png" 32 24 16 0
+expect_refusal 2 "--mode wants" resize --size 3x2 --layout mono8 --to 6x4 --mode box "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "--layout wants" resize --size 3x2 --layout rgb24 --to 6x4 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 2 "missing --to" resize --size 3x2 --layout mono8 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 1 "mono8 frame" resize --size 30x2 --layout mono8 --to 6x4 "$work/m3x2.raw" "$work/x.raw"
+expect_refusal 1 "no PNG form" resize --size 2x1 --layout yuv422 --to 4x4 "$work/m3x2.raw" "$work/x.png"
 
 if ((failures)); then
   echo "$failures check(s) failed" >&2

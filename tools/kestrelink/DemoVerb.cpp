@@ -1,4 +1,5 @@
 // kestrelink demo: example conversions of the synthetic scene, as PNG files.
+#include <algorithm>
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
@@ -15,6 +16,7 @@
 #include "LayoutPng.h"
 #include "MirrorRotateVerbs.h"
 #include "PngFile.h"
+#include "ResizeVerb.h"
 #include "SyntheticScene.h"
 #include "ToolError.h"
 #include "Verbs.h"
@@ -94,8 +96,9 @@ void PrintDemoUsage(std::ostream& out) {
          "Makes a synthetic 12-bit camera frame (gradients, bars, checker squares, a disc,\n"
          "colour patches and fixed-seed noise, the same at every run) as mono16 at depth 12,\n"
          "and writes it and conversions of it as PNG files into DIR: grey, BGRx, flipped BGR,\n"
-         "each pseudo-colour map, an ASC curve and a clip level, a demosaiced Bayer frame, and\n"
-         "the BGRx picture mirrored and turned by 12.5 degrees. Prints the folder and the files.\n"
+         "each pseudo-colour map, an ASC curve and a clip level, a demosaiced Bayer frame, the\n"
+         "BGRx picture mirrored and turned by 12.5 degrees, and the scene resized to half size.\n"
+         "Prints the folder and the files.\n"
          "Then encodes 30 frames of the scene, panning, to H.264 records and decodes them back,\n"
          "printing the stream's size, bit rate and PSNR.\n"
          "\n"
@@ -160,6 +163,12 @@ int RunDemo(std::span<const std::string_view> args) {
   tilt.smooth = true;
   WritePng((path / rotatedPng).string(), LayoutToPng(LayoutId::Bgrx, w, h, 8, RotateFrame(LayoutId::Bgrx, size, bgrx, tilt).bytes));
   written.emplace_back(rotatedPng, "the BGRx picture turned 12.5 degrees clockwise, bicubic, smooth edge");
+  const FrameSize half{std::max(1u, w / 2), std::max(1u, h / 2)};
+  const std::string resizedPng = "17-resized-half-lanczos.png";
+  const std::vector<uint8_t> resized =
+      ResizeFrame(LayoutId::Mono16, size, half, 3, std::vector<uint8_t>(frame.begin(), frame.end()));
+  WritePng((path / resizedPng).string(), LayoutToPng(LayoutId::Mono16, half.width, half.height, kDemoDepth, resized));
+  written.emplace_back(resizedPng, "the scene at half size, Lanczos (kestrelink resize)");
 
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';

@@ -51,7 +51,9 @@ TEST(TransposeVariants, RaggedRegionsMatchThePlainMove) {
     uint32_t cols, rows;
   };
   const Shape shapes[] = {{1, 1}, {1, 37}, {37, 1}, {17, 16}, {16, 17}, {33, 31}, {67, 130}, {130, 67}, {97, 97},
-                          // ragged edges of every block size: 57 = 32 + 16 + 8 + 1, 88 = 64 + 16 + 8
+                          // ragged edges of every block size: 57 = 32 + 16 + 8 + 1, 88 = 64 + 16 + 8,
+                          // 120 = 64 + 32 + 16 + 8
+                          {120, 121}, {121, 120},
                           {88, 57}, {57, 88}};
   for (auto v : testsupport::RunnableVariants()) {
     const auto* k = TransposeTable(v);

@@ -1,7 +1,8 @@
 // AVX2 mirror rows (this file is built with -mavx2). A vector of pixels is
 // loaded from the far end of the source row, reversed in the register and
-// stored at the near end of the destination. Three- and six-byte pixels go
-// 5 and 2 to a 16-byte vector: the load starts one (four) bytes before the
+// stored at the near end of the destination. Three-byte pixels go 32 to
+// three vectors (below), and their last few, like six-byte pixels, go 5 and
+// 2 to a 16-byte vector: the load starts one (four) bytes before the
 // pixels and the store writes one (four) bytes beyond them, which the next
 // store overwrites, so neither leaves the row's own pixels.
 #include <immintrin.h>
@@ -41,10 +42,58 @@ void ReverseWhole(const uint8_t* src, uint8_t* dst, uint32_t n) {
   ReversePortable<Bytes>(src, dst + size_t(i) * Bytes, n - i);
 }
 
+// Thirty-two three-byte pixels are 96 bytes, six 16-byte lanes. Each lane
+// of the reversed run draws on at most 18 source bytes: two 16-byte loads
+// two bytes apart, each shuffled to the lane's bytes it holds (zero
+// elsewhere), then joined.
+struct Lanes3 {
+  uint8_t start[6];        // first source byte of each lane's span
+  uint8_t first[6][16];    // shuffle of the load at start (0x80: not from it)
+  uint8_t second[6][16];   // shuffle of the load at start + 2
+};
+
+constexpr Lanes3 MakeLanes3() {
+  Lanes3 t{};
+  for (int lane = 0; lane < 6; ++lane) {
+    // Source byte of output byte o: pixel 31 - o/3, byte o%3 of it.
+    auto from = [](int o) { return 3 * (31 - o / 3) + o % 3; };
+    const int last = 16 * lane + 15;
+    const int start = 3 * (31 - last / 3);
+    t.start[lane] = uint8_t(start);
+    for (int k = 0; k < 16; ++k) {
+      const int off = from(16 * lane + k) - start;
+      t.first[lane][k] = off < 16 ? uint8_t(off) : 0x80;
+      t.second[lane][k] = off < 16 ? 0x80 : uint8_t(off - 2);
+    }
+  }
+  return t;
+}
+constexpr Lanes3 kLanes3 = MakeLanes3();
+
+inline __m256i LoadLanes(const uint8_t* lo, const uint8_t* hi) {
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lo))),
+                                 _mm_loadu_si128(reinterpret_cast<const __m128i*>(hi)), 1);
+}
+
 void Reverse3(const uint8_t* src, uint8_t* dst, uint32_t n) {
+  __m256i first[3], second[3];
+  for (int k = 0; k < 3; ++k) {
+    first[k] = LoadLanes(kLanes3.first[2 * k], kLanes3.first[2 * k + 1]);
+    second[k] = LoadLanes(kLanes3.second[2 * k], kLanes3.second[2 * k + 1]);
+  }
+  uint32_t i = 0;
+  for (; i + 32 <= n; i += 32) {
+    const uint8_t* s = src + size_t(n - i - 32) * 3;
+    for (int k = 0; k < 3; ++k) {
+      const uint8_t* lo = s + kLanes3.start[2 * k];
+      const uint8_t* hi = s + kLanes3.start[2 * k + 1];
+      const __m256i a = _mm256_shuffle_epi8(LoadLanes(lo, hi), first[k]);
+      const __m256i b = _mm256_shuffle_epi8(LoadLanes(lo + 2, hi + 2), second[k]);
+      Store(dst + size_t(i) * 3 + 32 * k, _mm256_or_si256(a, b));
+    }
+  }
   // Bytes 1-15 of the load hold five pixels; they leave in reverse order as bytes 0-14.
   const __m128i order = _mm_setr_epi8(13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3, 0);
-  uint32_t i = 0;
   for (; i + 6 <= n; i += 5) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + size_t(n - i - 5) * 3 - 1));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + size_t(i) * 3), _mm_shuffle_epi8(v, order));

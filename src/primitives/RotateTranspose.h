@@ -4,7 +4,7 @@
 // at a time instead of a column at a time across the whole frame. With a
 // negative source step (rows read bottom-up) this is the clockwise quarter
 // turn; with a negative destination step, the anticlockwise one. One table
-// per processor variant (portable, SSE2; the wider slots fall back to SSE2).
+// per processor variant (portable, SSE2, AVX2; the other slots fall back).
 #include <cstddef>
 #include <cstdint>
 
@@ -30,10 +30,11 @@ struct TransposeKernels {
 
 extern const TransposeKernels kTransposePortable;
 extern const TransposeKernels kTransposeSSE2;
+extern const TransposeKernels kTransposeAVX2;
 
 inline const TransposeKernels& Transposes() {
-  static const TransposeKernels* const slots[kVariantCount] = {&kTransposePortable, &kTransposeSSE2, nullptr, nullptr,
-                                                               nullptr};
+  static const TransposeKernels* const slots[kVariantCount] = {&kTransposePortable, &kTransposeSSE2, nullptr,
+                                                               &kTransposeAVX2, nullptr};
   return PickVariant(slots);
 }
 

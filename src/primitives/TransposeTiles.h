@@ -3,7 +3,7 @@
 // own namespace. A tile is kTile x kTile pixels, about 8 KiB of source and
 // as much of destination, so it stays in the first-level cache while its
 // rows are read and its columns written. Inside a tile, Block moves
-// Block::kSide x kSide squares; the ragged edges go a pixel at a time.
+// Block::kSide x kSide squares; the ragged edges go to smaller blocks.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -40,7 +40,9 @@ inline void TransposePixels(const uint8_t* src, ptrdiff_t ss, uint8_t* dst, ptrd
   }
 }
 
-// One tile: rows i0 .. i1-1, columns j0 .. j1-1 of the region.
+// One tile: rows i0 .. i1-1, columns j0 .. j1-1 of the region. Whole
+// blocks first; the ragged bottom and right edges go to the next smaller
+// block (Block::Next), down to a pixel at a time.
 template <int Bytes, class Block>
 inline void TransposeTile(const uint8_t* src, ptrdiff_t ss, uint8_t* dst, ptrdiff_t ds, uint32_t i0, uint32_t i1,
                           uint32_t j0, uint32_t j1, uint32_t cols) {
@@ -49,15 +51,13 @@ inline void TransposeTile(const uint8_t* src, ptrdiff_t ss, uint8_t* dst, ptrdif
     // The source word may reach into the next column, never past the region's last.
     TransposePixels<Bytes>(src, ss, dst, ds, i0, i1, j0, j1, j1 == cols);
   } else {
-    uint32_t j = j0;
-    for (; j + kSide <= j1; j += kSide) {
-      uint32_t i = i0;
-      for (; i + kSide <= i1; i += kSide)
+    const uint32_t iEnd = i0 + (i1 - i0) / kSide * kSide, jEnd = j0 + (j1 - j0) / kSide * kSide;
+    for (uint32_t j = j0; j < jEnd; j += kSide)
+      for (uint32_t i = i0; i < iEnd; i += kSide)
         Block::Move(src + ptrdiff_t(i) * ss + ptrdiff_t(j) * Bytes, ss, dst + ptrdiff_t(j) * ds + size_t(i) * Bytes,
                     ds);
-      TransposePixels<Bytes>(src, ss, dst, ds, i, i1, j, j + kSide);
-    }
-    TransposePixels<Bytes>(src, ss, dst, ds, i0, i1, j, j1);
+    if (iEnd < i1) TransposeTile<Bytes, typename Block::Next>(src, ss, dst, ds, iEnd, i1, j0, jEnd, cols);
+    if (jEnd < j1) TransposeTile<Bytes, typename Block::Next>(src, ss, dst, ds, i0, i1, jEnd, j1, cols);
   }
 }
 
@@ -86,5 +86,6 @@ void TransposeTiled(const uint8_t* src, ptrdiff_t ss, uint8_t* dst, ptrdiff_t ds
 template <int Bytes>
 struct PixelBlock {
   static constexpr uint32_t kSide = 1;
+  using Next = PixelBlock;
   static void Move(const uint8_t* s, ptrdiff_t, uint8_t* d, ptrdiff_t) { MovePixel<Bytes>(s, d); }
 };

@@ -23,7 +23,8 @@ const kestrelink::mirror::MirrorRowKernels* MirrorTable(kestrelink::CpuVariant v
 
 const kestrelink::rotate::TransposeKernels* TransposeTable(kestrelink::CpuVariant v) {
   const kestrelink::rotate::TransposeKernels* tables[] = {
-      &kestrelink::rotate::kTransposePortable, &kestrelink::rotate::kTransposeSSE2, nullptr, nullptr, nullptr};
+      &kestrelink::rotate::kTransposePortable, &kestrelink::rotate::kTransposeSSE2, nullptr,
+      &kestrelink::rotate::kTransposeAVX2, nullptr};
   return tables[v];
 }
 
@@ -49,7 +50,11 @@ TEST(TransposeVariants, RaggedRegionsMatchThePlainMove) {
   struct Shape {
     uint32_t cols, rows;
   };
-  const Shape shapes[] = {{1, 1}, {1, 37}, {37, 1}, {17, 16}, {16, 17}, {33, 31}, {67, 130}, {130, 67}, {97, 97}};
+  const Shape shapes[] = {{1, 1}, {1, 37}, {37, 1}, {17, 16}, {16, 17}, {33, 31}, {67, 130}, {130, 67}, {97, 97},
+                          // ragged edges of every block size: 57 = 32 + 16 + 8 + 1, 88 = 64 + 16 + 8,
+                          // 120 = 64 + 32 + 16 + 8
+                          {120, 121}, {121, 120},
+                          {88, 57}, {57, 88}};
   for (auto v : testsupport::RunnableVariants()) {
     const auto* k = TransposeTable(v);
     if (!k) continue;

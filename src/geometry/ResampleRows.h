@@ -41,10 +41,11 @@ struct ResampleRowKernels {
 extern const ResampleRowKernels kResampleRowsPortable;  // no vector rows
 extern const ResampleRowKernels kResampleRowsSSE2;      // halving rows for 1, 2 and 4 bytes
 extern const ResampleRowKernels kResampleRowsAVX2;      // byte shuffles, two lanes a step
+extern const ResampleRowKernels kResampleRowsAVX512;    // byte shuffles, four lanes a step, then single lanes
 
 inline const ResampleRowKernels& ResampleRows() {
   static const ResampleRowKernels* const slots[kVariantCount] = {&kResampleRowsPortable, &kResampleRowsSSE2, nullptr,
-                                                                 &kResampleRowsAVX2, nullptr};
+                                                                 &kResampleRowsAVX2, &kResampleRowsAVX512};
   return PickVariant(slots);
 }
 

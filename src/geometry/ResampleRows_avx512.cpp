@@ -42,14 +42,17 @@ struct Row {
       }
     }
     // The rest in single lanes, so short rows still move by vector.
-    for (; LanesFit<Bytes, Step>(i, count, 1); i += P::kPixels) {
-      const uint8_t* s = src + size_t(i) * Step * Bytes;
+    const auto lane = [&](uint32_t j) {
+      const uint8_t* s = src + size_t(j) * Step * Bytes;
       __m128i out = _mm_setzero_si128();
       for (uint32_t l = 0; l < P::kLoads; ++l)
         out = _mm_or_si128(out, _mm_shuffle_epi8(Load(s + 16 * l), Load(P::kMasks[l].data())));
-      _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + size_t(i) * Bytes), out);
-    }
-    return i;
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + size_t(j) * Bytes), out);
+    };
+    const uint32_t from = i;
+    return from + StepRow(P::kPixels, LastFit<Bytes, Step>(count, 1) - int64_t(from),
+                          [&](uint32_t j) { return LanesFit<Bytes, Step>(from + j, count, 1); },
+                          [&](uint32_t j) { lane(from + j); });
   }
 };
 

@@ -3,6 +3,7 @@
 // bytes holds the whole pixels that fit (16 / Bytes of them); its source bytes
 // span at most four 16-byte loads, each shuffled into place and the results
 // or-ed. Shared by the variants, which differ in lanes a step.
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -38,6 +39,32 @@ constexpr bool LanesFit(uint32_t i, uint32_t count, uint32_t lanes) {
   const size_t srcEnd = (size_t(count - 1) * Step + 1) * Bytes, dstEnd = size_t(count) * Bytes;
   const size_t last = size_t(i) + size_t(lanes - 1) * P::kPixels;  // first pixel of the last lane
   return last * Bytes + 16 <= dstEnd && last * Step * Bytes + 16 * P::kLoads <= srcEnd;
+}
+
+// The last output pixel from which a step of `lanes` lanes fits (LanesFit),
+// or -1 where none does.
+template <size_t Bytes, uint32_t Step>
+constexpr int64_t LastFit(uint32_t count, uint32_t lanes) {
+  using P = Plan<Bytes, Step>;
+  if (count == 0) return -1;
+  const int64_t dstEnd = int64_t(count) * Bytes, srcEnd = (int64_t(count - 1) * Step + 1) * int64_t(Bytes);
+  if (dstEnd < 16 || srcEnd < 16 * int64_t(P::kLoads)) return -1;
+  const int64_t last = std::min<int64_t>((dstEnd - 16) / int64_t(Bytes), (srcEnd - 16 * int64_t(P::kLoads)) / int64_t(Step * Bytes));
+  return last - int64_t(lanes - 1) * P::kPixels;
+}
+
+// Moves the leading pixels of a row by `step(i)`, steps of `pixels` outputs,
+// then one step that ends as late as fits (`last`, from LastFit), writing some
+// outputs again with the same values; answers the pixels done.
+template <class Step, class Fits>
+uint32_t StepRow(uint32_t pixels, int64_t last, Fits&& fits, Step&& step) {
+  uint32_t i = 0;
+  for (; fits(i); i += pixels) step(i);
+  if (last > 0 && last + pixels > i) {
+    step(uint32_t(last));
+    i = uint32_t(last) + pixels;
+  }
+  return i;
 }
 
 template <size_t Bytes, class Table, template <size_t, uint32_t> class Row>

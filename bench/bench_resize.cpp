@@ -159,7 +159,8 @@ void RegisterLibyuv(const Format& format, Target t, const ModeRow& m) {
 }
 #endif
 
-// Decimation by 2 of whole frames: one load and one store an output pixel.
+// Decimation by 2, 3 and 4 of whole frames: every step-th pixel of every
+// step-th row, against memcpy of the output.
 void RegisterResample() {
   using Member = bool (CIppImageResize::*)(uint32_t, uint32_t, int, void*, uint32_t, uint32_t, void*);
   struct Row {
@@ -167,20 +168,24 @@ void RegisterResample() {
     Member member;
     uint32_t bytes;
   };
-  const Row rows[] = {{"Mono8Resample step 2", &CIppImageResize::Mono8Resample, 1},
-                      {"Mono16Resample step 2", &CIppImageResize::Mono16Resample, 2},
-                      {"BGR24Resample step 2", &CIppImageResize::BGR24Resample, 3},
-                      {"BGRx32Resample step 2", &CIppImageResize::BGRx32Resample, 4}};
+  const Row rows[] = {{"Mono8Resample", &CIppImageResize::Mono8Resample, 1},
+                      {"Mono16Resample", &CIppImageResize::Mono16Resample, 2},
+                      {"BGR24Resample", &CIppImageResize::BGR24Resample, 3},
+                      {"BGRx32Resample", &CIppImageResize::BGRx32Resample, 4}};
   ResizeFrames& f = Frames();
-  const uint32_t dw = (f.w + 1) / 2, dh = (f.h + 1) / 2;
-  for (const Row& r : rows) {
-    RegisterMemcpyFrame(dw, dh, r.bytes);
-    Register(Case{r.name, kOurs, size_t(dw) * dh * 2 * r.bytes, size_t(dw) * dh * r.bytes, LibraryTeam(),
-                  [member = r.member, dw, dh](int) {
-                    ResizeFrames& fr = Frames();
-                    return (fr.resize.*member)(fr.w, fr.h, 2, fr.src.data(), dw, dh, fr.dst.data());
-                  }});
+  for (uint32_t step = 2; step <= 4; ++step) {
+    const uint32_t sw = (f.w + step - 1) / step, sh = (f.h + step - 1) / step;
+    for (const Row& r : rows) {
+      RegisterMemcpyFrame(sw, sh, r.bytes);
+      Register(Case{std::string(r.name) + " step " + std::to_string(step), kOurs,
+                    size_t(sw) * sh * step * r.bytes, size_t(sw) * sh * r.bytes, LibraryTeam(),
+                    [member = r.member, step, sw, sh](int) {
+                      ResizeFrames& fr = Frames();
+                      return (fr.resize.*member)(fr.w, fr.h, int(step), fr.src.data(), sw, sh, fr.dst.data());
+                    }});
+    }
   }
+  const uint32_t dw = (f.w + 1) / 2, dh = (f.h + 1) / 2;
 #ifdef KESTRELINK_HAVE_LIBYUV
   Register(Case{"Mono8Resample step 2", "libyuv", size_t(dw) * dh * 2, size_t(dw) * dh, SplitRowsTeam(),
                 [dw, dh](int threads) {

@@ -11,8 +11,6 @@ namespace {
 inline __m128i Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
 inline void Store(uint8_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
-}  // namespace
-
 uint32_t DecimateHalf1(const uint8_t* src, uint32_t count, uint8_t* dst) {
   const __m128i low = _mm_set1_epi16(0xFF);
   uint32_t i = 0;
@@ -45,5 +43,17 @@ uint32_t DecimateHalf4(const uint8_t* src, uint32_t count, uint8_t* dst) {
   }
   return i;
 }
+
+}  // namespace
+
+constinit const ResampleRowKernels kResampleRowsPortable = {};
+
+constinit const ResampleRowKernels kResampleRowsSSE2 = [] {
+  ResampleRowKernels k = {};
+  k.rows[1][2] = DecimateHalf1;
+  k.rows[2][2] = DecimateHalf2;
+  k.rows[4][2] = DecimateHalf4;
+  return k;
+}();
 
 }  // namespace kestrelink::geometry

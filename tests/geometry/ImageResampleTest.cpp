@@ -92,39 +92,35 @@ TEST(ImageResample, PlanarFormsMoveThePlanesInLockstep) {
   for (int p = 0; p < 3; ++p) EXPECT_EQ(out8[p], Decimated(in[p], 31, 7, 3, 1, 11, 3, Bytes(11 * 3, Bytes::value_type(5 + p))));
 }
 
-// The halving rows give the plain loop's bytes at every length, reading
-// nothing past the last pixel they need.
-TEST(ImageResample, HalvingRowsMatchThePlainLoop) {
+// A row of `count` outputs by every variant against the plain loop, for every
+// pixel size and steps 1 to 5: the source ends at the last pixel read (its own
+// allocation, so a read past it shows under the address checker) and eight
+// guard bytes after the last output must keep their content.
+template <size_t Bpp>
+void ExpectRowsMatchPlain(kestrelink::CpuVariant variant) {
   using kestrelink::geometry::DecimateRow;
   using kestrelink::geometry::DecimateRowPlain;
-  for (uint32_t count = 0; count <= 70; ++count) {
-    // The source holds exactly the pixels up to the last one read.
-    const size_t pixels = count == 0 ? 0 : 2 * size_t(count) - 1;
-    const Bytes src1 = testsupport::RandomBytes(pixels, count), src2 = testsupport::RandomBytes(2 * pixels, count),
-                src4 = testsupport::RandomBytes(4 * pixels, count);
-    Bytes a(4 * size_t(count) + 4, 0), b = a;
-    DecimateRow<1>(src1.data(), 2, count, a.data());
-    DecimateRowPlain<1>(src1.data(), 2, count, b.data());
-    ASSERT_EQ(a, b) << "1 byte, " << count;
-    DecimateRow<2>(src2.data(), 2, count, a.data());
-    DecimateRowPlain<2>(src2.data(), 2, count, b.data());
-    ASSERT_EQ(a, b) << "2 bytes, " << count;
-    DecimateRow<4>(src4.data(), 2, count, a.data());
-    DecimateRowPlain<4>(src4.data(), 2, count, b.data());
-    ASSERT_EQ(a, b) << "4 bytes, " << count;
-    // Three- and six-byte pixels at every step, from a source that ends at
-    // the last pixel read, into an output that ends at the last pixel written.
-    for (uint32_t step = 1; step <= 3; ++step) {
+  for (uint32_t step = 1; step <= 5; ++step)
+    for (uint32_t count = 0; count <= 150; count += count < 70 ? 1 : 13) {
       const size_t last = count == 0 ? 0 : size_t(count - 1) * step + 1;
-      const Bytes s3 = testsupport::RandomBytes(3 * last, count + step), s6 = testsupport::RandomBytes(6 * last, count);
-      Bytes w3(3 * size_t(count)), p3(w3.size()), w6(6 * size_t(count)), p6(w6.size());
-      DecimateRow<3>(s3.data(), step, count, w3.data());
-      DecimateRowPlain<3>(s3.data(), step, count, p3.data());
-      ASSERT_EQ(w3, p3) << "3 bytes, step " << step << ", " << count;
-      DecimateRow<6>(s6.data(), step, count, w6.data());
-      DecimateRowPlain<6>(s6.data(), step, count, p6.data());
-      ASSERT_EQ(w6, p6) << "6 bytes, step " << step << ", " << count;
+      const Bytes src = testsupport::RandomBytes(Bpp * last, count * 7 + step);
+      Bytes got(Bpp * size_t(count) + 8, 0xA5), want = got;
+      DecimateRow<Bpp>(src.data(), step, count, got.data());
+      DecimateRowPlain<Bpp>(src.data(), step, count, want.data());
+      ASSERT_EQ(got, want) << kestrelink::VariantName(variant) << ", " << Bpp << " bytes, step " << step << ", "
+                           << count;
     }
+}
+
+TEST(ImageResample, VectorRowsMatchThePlainLoop) {
+  for (const kestrelink::CpuVariant v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant forced(v);
+    ExpectRowsMatchPlain<1>(v);
+    ExpectRowsMatchPlain<2>(v);
+    ExpectRowsMatchPlain<3>(v);
+    ExpectRowsMatchPlain<4>(v);
+    ExpectRowsMatchPlain<6>(v);
+    ExpectRowsMatchPlain<8>(v);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "frame/StreamCopy.h"
 #include "frame/ThreadSetup.h"
 #include "geometry/CombineLayout.h"
 #include "platform/OpenMP.h"
@@ -23,8 +24,15 @@ bool CopyRows(uint32_t w1, uint32_t h1, const void* src1, uint32_t w2, uint32_t 
   if (!combine::Usable(L, {src1}, {src2}, {dst})) return false;
   const combine::Placed frames[2] = {{static_cast<const uint8_t*>(src1), rowBytes(w1), 0, w1},
                                      {static_cast<const uint8_t*>(src2), rowBytes(w2), side ? rowBytes(w1) : 0, w2}};
-  combine::PlaceRows(L, frames, dst, rowBytes(L.W),
-                     [&](const uint8_t* s, uint8_t* d, uint32_t w) { std::memcpy(d, s, rowBytes(w)); });
+  const size_t dstRowBytes = rowBytes(L.W);
+  // Each thread's share of the destination decides, as memcpy's own size rule does.
+  if (dstRowBytes * L.H / size_t(kestrelink::platform::TeamSize()) >= kestrelink::kStreamCopyBytes) {
+    combine::PlaceRows(L, frames, dst, dstRowBytes,
+                       [&](const uint8_t* s, uint8_t* d, uint32_t w) { kestrelink::StreamCopy(d, s, rowBytes(w)); });
+    kestrelink::StreamCopyDone();
+  } else
+    combine::PlaceRows(L, frames, dst, dstRowBytes,
+                       [&](const uint8_t* s, uint8_t* d, uint32_t w) { std::memcpy(d, s, rowBytes(w)); });
   return true;
 }
 

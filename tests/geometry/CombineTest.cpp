@@ -275,6 +275,36 @@ TEST(ImageCombine, ShorterSecondFrameLeavesTheRestUnwritten) {
     for (uint32_t x = 0; x < 6; ++x) EXPECT_EQ(dst[r * 6 + x], x < 4 ? 1 : r < 3 ? 2 : 0xEE) << r << "," << x;
 }
 
+// Frames large enough that the copies write around the caches: odd widths
+// put the second frame's rows at every alignment; the rest stays unwritten.
+TEST(ImageCombine, LargeCopiesPlaceEveryByte) {
+  for (int team : {1, 2})
+    for (bool side : {true, false})
+      for (size_t px : {size_t(1), size_t(3)}) {
+        testsupport::ScopedTeam scoped(team);
+        const uint32_t w1 = 1501, h1 = 1203, w2 = 997, h2 = 1100;
+        const uint32_t W = side ? w1 + w2 : w1, H = side ? h1 : h1 + h2;
+        Bytes a(size_t(w1) * h1 * px), b(size_t(w2) * h2 * px), dst(size_t(W) * H * px, 0xA5);
+        for (size_t i = 0; i < a.size(); ++i) a[i] = uint8_t(i * 7 + 1);
+        for (size_t i = 0; i < b.size(); ++i) b[i] = uint8_t(i * 13 + 5);
+        CImageCombine c;
+        ASSERT_TRUE(px == 1 ? c.Mono8CombineMono8(w1, h1, a.data(), w2, h2, b.data(), dst.data(), side)
+                            : c.BGR24CombineToBGR(w1, h1, a.data(), w2, h2, b.data(), dst.data(), side));
+        size_t wrong = 0;
+        for (uint32_t r = 0; r < H; ++r)
+          for (uint32_t x = 0; x < W; ++x)
+            for (size_t k = 0; k < px; ++k) {
+              int want = 0xA5;
+              if (side && x < w1 && r < h1) want = a[(size_t(r) * w1 + x) * px + k];
+              if (side && x >= w1 && r < h2) want = b[(size_t(r) * w2 + x - w1) * px + k];
+              if (!side && r < h1) want = a[(size_t(r) * w1 + x) * px + k];
+              if (!side && r >= h1 && x < w2) want = b[(size_t(r - h1) * w2 + x) * px + k];
+              wrong += dst[(size_t(r) * W + x) * px + k] != want;
+            }
+        EXPECT_EQ(wrong, 0u) << "team " << team << (side ? " side by side" : " above") << ", " << px << " bytes";
+      }
+}
+
 TEST(ImageCombine, DepthExamples) {
   CImageCombine c;
   // 12, 12 to 8: both shift left by 4 and the mask keeps the low 4 bits, moved up.

@@ -13,17 +13,7 @@
 
 namespace {
 
-// Sets the process-wide team size for the scope.
-class ScopedTeam {
- public:
-  explicit ScopedTeam(int threads) : saved_(kestrelink::platform::TeamSize()) {
-    kestrelink::platform::SetTeamSize(threads);
-  }
-  ~ScopedTeam() { kestrelink::platform::SetTeamSize(saved_); }
-
- private:
-  int saved_;
-};
+using testsupport::ScopedTeam;
 
 TEST(ColourQuirks, BGR48ToBGRxWrapsAboveTheDepth) {
   CIppImageConverter conv;

@@ -80,16 +80,6 @@ inline void PutWord(std::vector<uint8_t>& v, uint32_t word) {
   v.push_back(uint8_t(word >> 8));
 }
 
-// Keeps the process-wide team size of the test's start, whatever the code
-// under test sets.
-class ScopedTeam {
- public:
-  ScopedTeam() : m_Saved(kestrelink::platform::TeamSize()) {}
-  explicit ScopedTeam(int team) : ScopedTeam() { kestrelink::platform::SetTeamSize(team); }
-  ~ScopedTeam() { kestrelink::platform::SetTeamSize(m_Saved); }
-
- private:
-  int m_Saved;
-};
+using testsupport::ScopedTeam;
 
 }  // namespace packedtest

@@ -51,12 +51,12 @@ class ScopedVariant {
   ~ScopedVariant() { kestrelink::ForceVariant(kestrelink::kVariantCount); }
 };
 
-// Sets the process-wide team size for the scope; restores the one before.
+// Sets the process-wide team size for the scope, or only keeps it (no
+// argument) against code under test that sets it; restores the one before.
 class ScopedTeam {
  public:
-  explicit ScopedTeam(int threads) : saved_(kestrelink::platform::TeamSize()) {
-    kestrelink::platform::SetTeamSize(threads);
-  }
+  ScopedTeam() : saved_(kestrelink::platform::TeamSize()) {}
+  explicit ScopedTeam(int threads) : ScopedTeam() { kestrelink::platform::SetTeamSize(threads); }
   ~ScopedTeam() { kestrelink::platform::SetTeamSize(saved_); }
 
  private:

@@ -77,17 +77,6 @@ uint32_t Halve(const uint8_t* src, uint32_t count, uint8_t* dst) {
 
 }  // namespace
 
-constinit const ResampleRowKernels kResampleRowsAVX512 = [] {
-  ResampleRowKernels k = {};
-  FillSteps<1, ResampleRowKernels, Row>(k);
-  FillSteps<2, ResampleRowKernels, Row>(k);
-  FillSteps<3, ResampleRowKernels, Row>(k);
-  FillSteps<4, ResampleRowKernels, Row>(k);
-  FillSteps<6, ResampleRowKernels, Row>(k);
-  FillSteps<8, ResampleRowKernels, Row>(k);
-  k.rows[1][2] = Halve<1>;
-  k.rows[2][2] = Halve<2>;
-  return k;
-}();
+constinit const ResampleRowKernels kResampleRowsAVX512 = ShuffleRowTable<ResampleRowKernels, Row>(&Halve<1>, &Halve<2>);
 
 }  // namespace kestrelink::geometry

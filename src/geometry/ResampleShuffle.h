@@ -74,4 +74,20 @@ constexpr void FillSteps(Table& k) {
   k.rows[Bytes][4] = Row<Bytes, 4>::Run;
 }
 
+// A vector unit's table: the shuffle rows for every pixel size and steps 2
+// to 4, with its own packing rows for step 2 of 1- and 2-byte pixels.
+template <class Table, template <size_t, uint32_t> class Row, class HalveRow>
+constexpr Table ShuffleRowTable(HalveRow halveBytes, HalveRow halveWords) {
+  Table k = {};
+  FillSteps<1, Table, Row>(k);
+  FillSteps<2, Table, Row>(k);
+  FillSteps<3, Table, Row>(k);
+  FillSteps<4, Table, Row>(k);
+  FillSteps<6, Table, Row>(k);
+  FillSteps<8, Table, Row>(k);
+  k.rows[1][2] = halveBytes;
+  k.rows[2][2] = halveWords;
+  return k;
+}
+
 }  // namespace kestrelink::geometry

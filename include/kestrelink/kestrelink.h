@@ -8,6 +8,7 @@
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/CIppImageMirror.h>
 #include <kestrelink/CIppImageRotate.h>
+#include <kestrelink/CIppImageWrapper.h>
 #include <kestrelink/CIppImageResize.h>
 #include <kestrelink/CIppWavletCompression.h>
 #include <kestrelink/DebugOutput.h>

@@ -1,6 +1,6 @@
 #include <kestrelink/CIppImageWrapper.h>
 
-#include "jpeg2k/Jpeg2kConversionBase.h"
+#include "jpeg2000/Jpeg2kConversionBase.h"
 
 CIppImageWrapper::CIppImageWrapper() : m_converter(nullptr) {}
 

@@ -46,8 +46,17 @@ void TurnHalf(uint32_t w, uint32_t h, const void* src, void* dst, int bytes) {
   platform::SetBlockTimeZero();
   const mirror::ReverseRow reverse = mirror::MirrorRows().ForPixel(bytes);
   const size_t rowBytes = size_t(w) * bytes;
-  ForEachRow(h, false,
-             [&](uint32_t y, uint32_t) { reverse(RowAt(src, rowBytes, h - 1 - y), RowAt(dst, rowBytes, y), w); });
+  // Frames whose share a thread passes the caches are written around them.
+  const bool stream = rowBytes * h / size_t(platform::TeamSize()) >= kStreamCopyBytes;
+  ForEachRow(h, false, [&](uint32_t y, uint32_t) {
+    const auto* from = static_cast<const uint8_t*>(RowAt(src, rowBytes, h - 1 - y));
+    auto* to = static_cast<uint8_t*>(RowAt(dst, rowBytes, y));
+    if (stream)
+      mirror::ReverseRowStreaming(reverse, from, to, w, bytes);
+    else
+      reverse(from, to, w);
+  });
+  if (stream) StreamCopyDone();
 }
 
 }  // namespace kestrelink::geometry

@@ -50,6 +50,26 @@ TEST(MirrorFrames, EveryMemberAndAxisMatchesThePlainMirror) {
   }
 }
 
+// Frames past the caches are written around them, a chunk of a row at a
+// time: widths that leave a short last chunk, rows that start anywhere in a
+// cache line, one thread and two.
+TEST(MirrorFrames, LargeFramesMatchThePlainMirror) {
+  CIppImageMirror mirror;
+  for (int team : {1, 2})
+    for (const MemberRow& m : kMembers) {
+      if (m.bytes != 1 && m.bytes != 3 && m.bytes != 8) continue;
+      testsupport::ScopedTeam scoped(team);
+      const uint32_t w = 2049 + 3 * uint32_t(m.bytes), h = 1100 / uint32_t(m.bytes) + 7;
+      Frame src = Frame::Random(w, h, m.bytes, w + h);
+      for (auto [horizontal, vertical] : {std::pair{true, false}, {false, true}, {true, true}}) {
+        Frame dst(w, h, m.bytes, 0xAB);
+        ASSERT_TRUE((mirror.*m.member)(w, h, src.ptr(), dst.ptr(), horizontal, vertical));
+        EXPECT_EQ(dst.data, Reference(src, horizontal, vertical).data)
+            << "team " << team << " " << m.name << " h=" << horizontal << " v=" << vertical;
+      }
+    }
+}
+
 TEST(MirrorFrames, BothFlagsFalseWritesNothingAndAnswersTrue) {
   CIppImageMirror mirror;
   for (const MemberRow& m : kMembers) {

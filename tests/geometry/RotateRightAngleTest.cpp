@@ -102,6 +102,20 @@ TEST(RotateRightAngles, EveryPixelSizeMatchesThePlainRuleAtOddSizes) {
   }
 }
 
+// A half turn of a frame past the caches streams its rows out.
+TEST(RotateRightAngles, LargeHalfTurnsMatchThePlainRule) {
+  CIppImageRotate rotate;
+  for (int team : {1, 2})
+    for (const Form& f : kForms) {
+      testsupport::ScopedTeam scoped(team);
+      const uint32_t w = 1931, h = 1203;
+      const Frame src = Frame::Random(w, h, f.bytes, 77);
+      Frame dst(w, h, f.bytes, kUntouched), in = src;
+      ASSERT_TRUE(f.call(rotate, w, h, in.ptr(), w, h, dst.ptr(), 180.0));
+      EXPECT_EQ(dst.data, Half(src).data) << "team " << team << " " << f.name;
+    }
+}
+
 // 180 also takes the quarter turns' size, and writes a packed w x h frame
 // at the start of the larger one.
 TEST(RotateRightAngles, HalfTurnAtTheQuarterTurnSizeWritesAPackedFrame) {

@@ -102,17 +102,24 @@ TEST(RotateRightAngles, EveryPixelSizeMatchesThePlainRuleAtOddSizes) {
   }
 }
 
-// A half turn of a frame past the caches streams its rows out.
-TEST(RotateRightAngles, LargeHalfTurnsMatchThePlainRule) {
+// Turns of frames past the caches go through a block buffer and stream
+// their rows out: blocks that end short on both axes, one thread and two.
+TEST(RotateRightAngles, LargeFramesMatchThePlainRule) {
   CIppImageRotate rotate;
   for (int team : {1, 2})
     for (const Form& f : kForms) {
       testsupport::ScopedTeam scoped(team);
-      const uint32_t w = 1931, h = 1203;
+      const uint32_t w = 1931, h = 1203, pitch = (h + 3) / 4 * 4;
+      SCOPED_TRACE(testing::Message() << "team " << team << " " << f.name);
       const Frame src = Frame::Random(w, h, f.bytes, 77);
+      for (double angle : {90.0, -90.0}) {
+        Frame dst(pitch, w, f.bytes, kUntouched), in = src;
+        ASSERT_TRUE(f.call(rotate, w, h, in.ptr(), pitch, w, dst.ptr(), angle));
+        EXPECT_EQ(dst.data, Quarter(src, angle > 0).data) << "angle " << angle;
+      }
       Frame dst(w, h, f.bytes, kUntouched), in = src;
       ASSERT_TRUE(f.call(rotate, w, h, in.ptr(), w, h, dst.ptr(), 180.0));
-      EXPECT_EQ(dst.data, Half(src).data) << "team " << team << " " << f.name;
+      EXPECT_EQ(dst.data, Half(src).data) << "angle 180";
     }
 }
 

@@ -1,0 +1,117 @@
+// The motion detector's tables, copies, and grey conversion.
+#include <kestrelink/CIppMotionDetector.h>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "analysis/MotionFrame.h"
+#include "frame/RowLoop.h"
+#include "frame/ThreadSetup.h"
+#include "platform/OpenMP.h"
+#include "primitives/AnalysisPrimitives.h"
+
+namespace {
+
+constexpr size_t kTableSize = 65536;
+constexpr int32_t kLaplacian[9] = {0, -1, 0, -1, 4, -1, 0, -1, 0};
+
+uint16_t* WeightTable(double weight) {
+  uint16_t* table = new uint16_t[kTableSize];
+  for (size_t i = 0; i < kTableSize; ++i) table[i] = uint16_t(double(i) * weight + 0.5);
+  return table;
+}
+
+uint16_t* CopyTable(const uint16_t* from) {
+  uint16_t* table = new uint16_t[kTableSize];
+  std::memcpy(table, from, kTableSize * sizeof(uint16_t));
+  return table;
+}
+
+// Table grey of pixels `stride` samples apart: red table of the third
+// sample, blue table of the second, green table of the first (blue thus
+// takes the 0.587 weight: a settled behaviour of the format), clamped to 255.
+template <class In, class Out, int Stride>
+void TableGreyRow(const In* src, Out* dst, uint32_t n, const uint16_t* red, const uint16_t* green,
+                  const uint16_t* blue) {
+  for (uint32_t i = 0; i < n; ++i) {
+    const In* p = src + size_t(i) * Stride;
+    const unsigned sum = red[p[2]] + blue[p[1]] + green[p[0]];
+    dst[i] = Out(std::min(sum, 255u));
+  }
+}
+
+template <class In, class Out, int Stride>
+bool TableGrey(unsigned int width, unsigned int height, void* src, void* dst, const uint16_t* red,
+               const uint16_t* green, const uint16_t* blue) {
+  if (!src || !dst) return false;
+  kestrelink::platform::SetBlockTimeZero();
+  kestrelink::ForEachRow(height, false, [&](uint32_t y, uint32_t) {
+    const In* in = static_cast<const In*>(src) + size_t(y) * width * Stride;
+    TableGreyRow<In, Out, Stride>(in, static_cast<Out*>(dst) + size_t(y) * width, width, red, green, blue);
+  });
+  return true;
+}
+
+}  // namespace
+
+CIppMotionDetector::CIppMotionDetector()
+    : redWeightTable(WeightTable(0.299)), greenWeightTable(WeightTable(0.587)), blueWeightTable(WeightTable(0.114)) {
+  std::copy(std::begin(kLaplacian), std::end(kLaplacian), laplacianKernel);
+  kestrelink::SetupThreads(0);
+}
+
+CIppMotionDetector::~CIppMotionDetector() {
+  delete[] redWeightTable;
+  delete[] greenWeightTable;
+  delete[] blueWeightTable;
+}
+
+CIppMotionDetector::CIppMotionDetector(const CIppMotionDetector& other)
+    : redWeightTable(CopyTable(other.redWeightTable)),
+      greenWeightTable(CopyTable(other.greenWeightTable)),
+      blueWeightTable(CopyTable(other.blueWeightTable)) {
+  std::copy(std::begin(other.laplacianKernel), std::end(other.laplacianKernel), laplacianKernel);
+}
+
+CIppMotionDetector& CIppMotionDetector::operator=(const CIppMotionDetector& other) {
+  if (this != &other) {
+    std::memcpy(redWeightTable, other.redWeightTable, kTableSize * sizeof(uint16_t));
+    std::memcpy(greenWeightTable, other.greenWeightTable, kTableSize * sizeof(uint16_t));
+    std::memcpy(blueWeightTable, other.blueWeightTable, kTableSize * sizeof(uint16_t));
+    std::copy(std::begin(other.laplacianKernel), std::end(other.laplacianKernel), laplacianKernel);
+  }
+  return *this;
+}
+
+bool CIppMotionDetector::RGB8GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  kestrelink::platform::SetBlockTimeZero();
+  const int w = int(width);
+  return ippiRGBToGray_8u_C3C1R(static_cast<Ipp8u*>(src), 3 * w, static_cast<Ipp8u*>(dst), w,
+                                {w, int(height)}) == ippStsNoErr;
+}
+
+bool CIppMotionDetector::RGB16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  kestrelink::platform::SetBlockTimeZero();
+  const int w = int(width);
+  return ippiRGBToGray_16u_C3C1R(static_cast<Ipp16u*>(src), 6 * w, static_cast<Ipp16u*>(dst), 2 * w,
+                                 {w, int(height)}) == ippStsNoErr;
+}
+
+bool CIppMotionDetector::BGR8GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  return TableGrey<uint8_t, uint8_t, 3>(width, height, src, dst, redWeightTable, greenWeightTable, blueWeightTable);
+}
+
+bool CIppMotionDetector::BGRx8GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  return TableGrey<uint8_t, uint8_t, 4>(width, height, src, dst, redWeightTable, greenWeightTable, blueWeightTable);
+}
+
+bool CIppMotionDetector::BGR16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  return TableGrey<uint16_t, uint16_t, 3>(width, height, src, dst, redWeightTable, greenWeightTable,
+                                          blueWeightTable);
+}
+
+bool CIppMotionDetector::BGRx16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
+  return TableGrey<uint16_t, uint16_t, 4>(width, height, src, dst, redWeightTable, greenWeightTable,
+                                          blueWeightTable);
+}

@@ -1,15 +1,22 @@
 // Morphology and Sobel members of the motion detector.
 #include <kestrelink/CIppMotionDetector.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "analysis/MotionFrame.h"
 #include "platform/OpenMP.h"
+#include "frame/RowLoop.h"
 #include "primitives/AnalysisPrimitives.h"
+#include "primitives/SobelRows.h"
 
 using namespace kestrelink::analysis;
 
 namespace {
+
+// Rows of a Sobel strip: two signed 16-bit strips of a 2560-pixel row stay
+// within a core's second-level cache.
+constexpr int kSobelStripRows = 32;
 
 // A frame region for the in-place morphology: first byte, step, pixel size.
 template <class T>
@@ -120,20 +127,39 @@ bool CIppMotionDetector::Sobel8bitGrayPixels(unsigned int width, unsigned int he
   const IppiSize size = {w, rows};
   const int step = int(width);
   const Ipp8u* in = At<const Ipp8u>(src, at);
-  Scratch16 first(w, rows);
-  if (!first.data) return false;
-  IppStatus s = direction == 1 ? Horiz(in, step, first.data, first.step, size, mask, ippBorderRepl, 0)
-                               : Vert(in, step, first.data, first.step, size, mask, ippBorderRepl, 0);
-  if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(first.data, first.step, size);
-  if (s == ippStsNoErr && direction == 2) {
-    Scratch16 second(w, rows);
-    if (!second.data) return false;
-    s = Horiz(in, step, second.data, second.step, size, mask, ippBorderRepl, 0);
-    if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(second.data, second.step, size);
-    if (s == ippStsNoErr) s = ippiAdd_16s_C1IRSfs(second.data, second.step, first.data, first.step, size, 0);
-  }
-  if (s == ippStsNoErr) s = ippiConvert_16s8u_C1R(first.data, first.step, At<Ipp8u>(dst, at), step, size);
-  return s == ippStsNoErr;
+  Ipp8u* out = At<Ipp8u>(dst, at);
+  int bufferBytes = 0;
+  if (ippiFilterSobelVertGetBufferSize_8u16s_C1R(size, mask, &bufferBytes) != ippStsNoErr) return false;
+  // Each thread takes a band of rows and works it in strips, so that the
+  // scratch images stay in cache; every pixel goes through the same steps
+  // as over the whole rectangle at once.
+  return kestrelink::ForEachBand(uint32_t(rows), [&](uint32_t first, uint32_t count) -> int {
+    const int strip = std::min(int(count), kSobelStripRows);
+    Scratch16 magnitude(w, strip), second(w, direction == 2 ? strip : 1);
+    int bufferStep = 0;
+    Ipp8u* buffer = ippiMalloc_8u_C1(bufferBytes, 1, &bufferStep);
+    IppStatus s = magnitude.data && second.data && buffer ? ippStsNoErr : ippStsNullPtrErr;
+    for (int r = int(first); s == ippStsNoErr && r < int(first + count); r += strip) {
+      const IppiSize part = {w, std::min(strip, int(first + count) - r)};
+      s = ippiSet_16s_C1R(0, magnitude.data, magnitude.step, part);
+      if (s == ippStsNoErr)
+        s = SobelRows(in, step, magnitude.data, magnitude.step, size, mask, ippBorderRepl, 0, buffer, direction != 1,
+                      r, part.height);
+      if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(magnitude.data, magnitude.step, part);
+      if (s == ippStsNoErr && direction == 2) {
+        s = ippiSet_16s_C1R(0, second.data, second.step, part);
+        if (s == ippStsNoErr)
+          s = SobelRows(in, step, second.data, second.step, size, mask, ippBorderRepl, 0, buffer, false, r,
+                        part.height);
+        if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(second.data, second.step, part);
+        if (s == ippStsNoErr) s = ippiAdd_16s_C1IRSfs(second.data, second.step, magnitude.data, magnitude.step, part, 0);
+      }
+      if (s == ippStsNoErr)
+        s = ippiConvert_16s8u_C1R(magnitude.data, magnitude.step, out + int64_t(r) * step, step, part);
+    }
+    ippiFree(buffer);
+    return s;
+  }) == ippStsNoErr;
 }
 
 bool CIppMotionDetector::Sobel16bitGrayPixels(unsigned int width, unsigned int height, void* src, void* dst, int x,

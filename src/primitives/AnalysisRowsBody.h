@@ -28,15 +28,51 @@ inline Unaligned16* S16(uint8_t* p) { return reinterpret_cast<Unaligned16*>(p); 
 
 inline int16_t Saturate16(int v) { return int16_t(std::clamp(v, -32768, 32767)); }
 
-void RgbToGray8(const uint8_t* rgb, uint8_t* dst, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) {
+void RgbToGray8Plain(const uint8_t* rgb, uint8_t* dst, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
     const uint8_t* p = rgb + 3 * size_t(i);
     dst[i] = uint8_t((4899u * p[0] + 9617u * p[1] + 1868u * p[2] + 8192u) >> 14);
   }
 }
 
+#if ANALYSIS_VECTOR_BYTES > 0
+// Eight pixels' weighted sums, shifted: each 128-bit lane holds four pixels
+// (12 of its 16 bytes), spread by the byte shuffle into (R, G) and (B, 1)
+// pairs of 16-bit lanes, which the multiply-add weighs and sums in 32 bits.
+inline __m256i Grey8Pixels(const uint8_t* p) {
+  const __m256i v = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(p + 12), reinterpret_cast<const __m128i*>(p));
+  const __m256i redGreen = _mm256_shuffle_epi8(
+      v, _mm256_setr_epi8(0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1,  //
+                          0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1));
+  const __m256i blueOne = _mm256_or_si256(
+      _mm256_shuffle_epi8(v, _mm256_setr_epi8(2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1,  //
+                                              2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1)),
+      _mm256_set1_epi32(1 << 16));
+  const __m256i sum = _mm256_add_epi32(_mm256_madd_epi16(redGreen, _mm256_set1_epi32(4899 | (9617 << 16))),
+                                       _mm256_madd_epi16(blueOne, _mm256_set1_epi32(1868 | (8192 << 16))));
+  return _mm256_srli_epi32(sum, 14);
+}
+
+void RgbToGray8(const uint8_t* rgb, uint8_t* dst, uint32_t n) {
+  size_t i = 0;
+  // 32 pixels a step; the last eight-pixel load reads 4 bytes past its
+  // pixels, so a step needs 4 more bytes of the row after it.
+  for (; 3 * (i + 32) + 4 <= 3 * size_t(n); i += 32) {
+    const uint8_t* p = rgb + 3 * i;
+    const __m256i low = _mm256_packus_epi32(Grey8Pixels(p), Grey8Pixels(p + 24));
+    const __m256i high = _mm256_packus_epi32(Grey8Pixels(p + 48), Grey8Pixels(p + 72));
+    const __m256i bytes = _mm256_packus_epi16(low, high);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i),
+                        _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+  }
+  RgbToGray8Plain(rgb + 3 * i, dst + i, n - i);
+}
+#else
+void RgbToGray8(const uint8_t* rgb, uint8_t* dst, uint32_t n) { RgbToGray8Plain(rgb, dst, n); }
+#endif
+
 void RgbToGray16(const uint16_t* rgb, uint16_t* dst, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) {
+  for (size_t i = 0; i < n; ++i) {
     const uint16_t* p = rgb + 3 * size_t(i);
     dst[i] = uint16_t((4899u * p[0] + 9617u * p[1] + 1868u * p[2] + 8192u) >> 14);
   }
@@ -112,13 +148,13 @@ uint64_t Sum8(const uint8_t* row, uint32_t n) {
 #else
 uint32_t CountInRange8(const uint8_t* row, uint32_t n, uint8_t lo, uint8_t hi) {
   uint32_t count = 0;
-  for (uint32_t i = 0; i < n; ++i) count += row[i] >= lo && row[i] <= hi;
+  for (size_t i = 0; i < n; ++i) count += row[i] >= lo && row[i] <= hi;
   return count;
 }
 
 uint64_t Sum8(const uint8_t* row, uint32_t n) {
   uint64_t sum = 0;
-  for (uint32_t i = 0; i < n; ++i) sum += row[i];
+  for (size_t i = 0; i < n; ++i) sum += row[i];
   return sum;
 }
 #endif
@@ -137,78 +173,78 @@ uint64_t Sum16(const uint16_t* row, uint32_t n) {
 
 template <class T>
 void Max3Cols(const T* in, T* out, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) out[i] = std::max(std::max(in[i], in[i + 1]), in[i + 2]);
+  for (size_t i = 0; i < n; ++i) out[i] = std::max(std::max(in[i], in[i + 1]), in[i + 2]);
 }
 template <class T>
 void Min3Cols(const T* in, T* out, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) out[i] = std::min(std::min(in[i], in[i + 1]), in[i + 2]);
+  for (size_t i = 0; i < n; ++i) out[i] = std::min(std::min(in[i], in[i + 1]), in[i + 2]);
 }
 template <class T>
 void Max3Rows(const T* a, const T* b, const T* c, T* out, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) out[i] = std::max(std::max(a[i], b[i]), c[i]);
+  for (size_t i = 0; i < n; ++i) out[i] = std::max(std::max(a[i], b[i]), c[i]);
 }
 template <class T>
 void Min3Rows(const T* a, const T* b, const T* c, T* out, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) out[i] = std::min(std::min(a[i], b[i]), c[i]);
+  for (size_t i = 0; i < n; ++i) out[i] = std::min(std::min(a[i], b[i]), c[i]);
 }
 
 void SmoothRows3(const uint8_t* const* r, int16_t* out, uint32_t n) {
   const uint8_t *a = r[0], *b = r[1], *c = r[2];
-  for (uint32_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 2 * b[i] + c[i]);
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 2 * b[i] + c[i]);
 }
 void DiffRows3(const uint8_t* const* r, int16_t* out, uint32_t n) {
   const uint8_t *a = r[0], *c = r[2];
-  for (uint32_t i = 0; i < n; ++i) out[i] = int16_t(c[i] - a[i]);
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(c[i] - a[i]);
 }
 void SmoothRows5(const uint8_t* const* r, int16_t* out, uint32_t n) {
   const uint8_t *a = r[0], *b = r[1], *c = r[2], *d = r[3], *e = r[4];
-  for (uint32_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 4 * (b[i] + d[i]) + 6 * c[i] + e[i]);
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 4 * (b[i] + d[i]) + 6 * c[i] + e[i]);
 }
 void DiffRows5(const uint8_t* const* r, int16_t* out, uint32_t n) {
   const uint8_t *a = r[0], *b = r[1], *d = r[3], *e = r[4];
-  for (uint32_t i = 0; i < n; ++i) out[i] = int16_t(e[i] - a[i] + 2 * (d[i] - b[i]));
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(e[i] - a[i] + 2 * (d[i] - b[i]));
 }
 
 // The row passes stay within 16 bits: 5 x 5 sums reach 6 x 16 x 255 at most.
 void SmoothCols3(const int16_t* s, uint8_t* out, uint32_t n) {
   Unaligned16* o = S16(out);
-  for (uint32_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 2 * s[i + 1] + s[i + 2]);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 2 * s[i + 1] + s[i + 2]);
 }
 void DiffCols3(const int16_t* s, uint8_t* out, uint32_t n) {
   Unaligned16* o = S16(out);
-  for (uint32_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 2] - s[i]);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 2] - s[i]);
 }
 void SmoothCols5(const int16_t* s, uint8_t* out, uint32_t n) {
   Unaligned16* o = S16(out);
-  for (uint32_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 4 * (s[i + 1] + s[i + 3]) + 6 * s[i + 2] + s[i + 4]);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 4 * (s[i + 1] + s[i + 3]) + 6 * s[i + 2] + s[i + 4]);
 }
 void DiffCols5(const int16_t* s, uint8_t* out, uint32_t n) {
   Unaligned16* o = S16(out);
-  for (uint32_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 4] - s[i] + 2 * (s[i + 3] - s[i + 1]));
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 4] - s[i] + 2 * (s[i + 3] - s[i + 1]));
 }
 
 template <class T>
 void AbsDiff(const T* a, const T* b, T* out, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) out[i] = T(std::max(a[i], b[i]) - std::min(a[i], b[i]));
+  for (size_t i = 0; i < n; ++i) out[i] = T(std::max(a[i], b[i]) - std::min(a[i], b[i]));
 }
 
 void Abs16s(uint8_t* row, uint32_t n) {
   Unaligned16* p = S16(row);
-  for (uint32_t i = 0; i < n; ++i) p[i] = Saturate16(std::abs(int(p[i])));
+  for (size_t i = 0; i < n; ++i) p[i] = Saturate16(std::abs(int(p[i])));
 }
 void AddSat16s(const uint8_t* a, uint8_t* b, uint32_t n) {
   const Unaligned16* s = S16(a);
   Unaligned16* d = S16(b);
-  for (uint32_t i = 0; i < n; ++i) d[i] = Saturate16(int(s[i]) + int(d[i]));
+  for (size_t i = 0; i < n; ++i) d[i] = Saturate16(int(s[i]) + int(d[i]));
 }
 void Convert16s8u(const uint8_t* src, uint8_t* dst, uint32_t n) {
   const Unaligned16* s = S16(src);
-  for (uint32_t i = 0; i < n; ++i) dst[i] = uint8_t(std::clamp(int(s[i]), 0, 255));
+  for (size_t i = 0; i < n; ++i) dst[i] = uint8_t(std::clamp(int(s[i]), 0, 255));
 }
 
 template <class T>
 void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
-  for (uint32_t i = 0; i < n; ++i) dst[i] = src[i] < threshold ? T(0) : full;
+  for (size_t i = 0; i < n; ++i) dst[i] = src[i] < threshold ? T(0) : full;
 }
 
 constexpr AnalysisRowKernels kBodyKernels = {

@@ -11,6 +11,7 @@
 #include "primitives/AnalysisPrimitives.h"
 #include "primitives/AnalysisRows.h"
 #include "primitives/KernelFrame.h"
+#include "primitives/SobelRows.h"
 
 namespace kestrelink::analysis {
 namespace {
@@ -28,12 +29,15 @@ IppStatus BufferSize(IppiSize size, IppiMaskSize mask, int* bytes) {
   return ippStsNoErr;
 }
 
+}  // namespace
+
 // smoothDown: the column pass smooths and the row pass differentiates (the
 // vertical-edge filter); otherwise the reverse.
-IppStatus Sobel(const uint8_t* src, int srcStep, int16_t* dst, int dstStep, IppiSize size, IppiMaskSize mask,
-                IppiBorderType border, uint8_t value, uint8_t* buffer, bool smoothDown) {
+IppStatus SobelRows(const uint8_t* src, int srcStep, int16_t* dst, int dstStep, IppiSize size, IppiMaskSize mask,
+                    IppiBorderType border, uint8_t value, uint8_t* buffer, bool smoothDown, int first, int count) {
   if (!src || !dst || !buffer) return ippStsNullPtrErr;
   if (const IppStatus s = prim::CheckSize(size, 1, 1)) return s;
+  if (first < 0 || count < 1 || first + count > size.height) return ippStsSizeErr;
   if (mask != ippMskSize3x3 && mask != ippMskSize5x5) return ippStsMaskSizeErr;
   if (border != ippBorderConst && border != ippBorderRepl) return ippStsBorderErr;
   const AnalysisRowKernels& k = AnalysisRows();
@@ -53,7 +57,7 @@ IppStatus Sobel(const uint8_t* src, int srcStep, int16_t* dst, int dstStep, Ippi
   if (border == ippBorderConst) std::memset(constantRow, value, w);
 
   const uint8_t* rows[5];
-  for (int y = 0; y < h; ++y) {
+  for (int y = first; y < first + count; ++y) {
     for (int j = 0; j < 2 * half + 1; ++j) {
       const int r = y + j - half;
       if (border == ippBorderRepl)
@@ -66,16 +70,24 @@ IppStatus Sobel(const uint8_t* src, int srcStep, int16_t* dst, int dstStep, Ippi
     const int16_t right = border == ippBorderRepl ? sums[2 + w - 1] : constantSum;
     sums[0] = sums[1] = left;
     sums[2 + w] = sums[3 + w] = right;
-    across(sums + 2 - half, prim::StepRow(dst, dstStep, y), w);
+    across(sums + 2 - half, prim::StepRow(dst, dstStep, y - first), w);
   }
   return ippStsNoErr;
 }
 
-}  // namespace
 }  // namespace kestrelink::analysis
 
 using kestrelink::analysis::BufferSize;
-using kestrelink::analysis::Sobel;
+
+namespace {
+
+IppStatus Sobel(const uint8_t* src, int srcStep, int16_t* dst, int dstStep, IppiSize size, IppiMaskSize mask,
+                IppiBorderType border, uint8_t value, uint8_t* buffer, bool smoothDown) {
+  return kestrelink::analysis::SobelRows(src, srcStep, dst, dstStep, size, mask, border, value, buffer, smoothDown, 0,
+                                         size.height);
+}
+
+}  // namespace
 
 IppStatus ippiFilterSobelVertGetBufferSize_8u16s_C1R(IppiSize roiSize, IppiMaskSize mask, int* pBufferSize) {
   return BufferSize(roiSize, mask, pBufferSize);

@@ -56,6 +56,23 @@ int RectRows(unsigned int width, unsigned int height, int x, int y, int w, int h
                  int64_t(width) * sizeof(T), int64_t(w) * int64_t(sizeof(T)), h);
 }
 
+// |a - b| at the rectangle, in bands of rows over the team; the kernel's
+// result does not depend on the bands.
+template <class T>
+bool BandedAbsDiff(IppStatus (*kernel)(const T*, int, const T*, int, T*, int, IppiSize), unsigned int width,
+                   unsigned int height, void* a, void* b, void* dst, int x, int y, int w, int h) {
+  const int rows = RectRows<T>(width, height, x, y, w, h);
+  if (!a || !b || !dst || rows < 0 || w < 1 || rows < 1) return false;
+  kestrelink::platform::SetBlockTimeZero();
+  const int64_t at = PixelOffset(width, x, y, sizeof(T));
+  const int step = int(width * sizeof(T));
+  return ForEachBand(uint32_t(rows), [&](uint32_t first, uint32_t count) {
+           const int64_t band = at + int64_t(first) * step;
+           return kernel(At<const T>(a, band), step, At<const T>(b, band), step, At<T>(dst, band), step,
+                         {w, int(count)});
+         }) == 0;
+}
+
 template <class T>
 bool ThresholdRect(unsigned int width, unsigned int height, void* src, void* dst, int threshold, int full, int x,
                    int y, int w, int h) {
@@ -159,33 +176,12 @@ bool CIppMotionDetector::Mean16bitGrayPixels(unsigned int width, unsigned int he
 
 bool CIppMotionDetector::AbsDiff8bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst,
                                                int x, int y, int w, int h) {
-  const int rows = RectRows<uint8_t>(width, height, x, y, w, h);
-  if (!a || !b || !dst || rows < 0) return false;
-  kestrelink::platform::SetBlockTimeZero();
-  const int64_t at = PixelOffset(width, x, y, 1);
-  const int step = int(width);
-  if (w < 1 || rows < 1) return false;
-  // Bands of rows over the team; the kernel's result does not depend on them.
-  return ForEachBand(uint32_t(rows), [&](uint32_t first, uint32_t count) {
-           const int64_t band = at + int64_t(first) * step;
-           return ippiAbsDiff_8u_C1R(At<const Ipp8u>(a, band), step, At<const Ipp8u>(b, band), step,
-                                     At<Ipp8u>(dst, band), step, {w, int(count)});
-         }) == 0;
+  return BandedAbsDiff<Ipp8u>(ippiAbsDiff_8u_C1R, width, height, a, b, dst, x, y, w, h);
 }
 
 bool CIppMotionDetector::AbsDiff16bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst,
                                                 int x, int y, int w, int h) {
-  const int rows = RectRows<uint16_t>(width, height, x, y, w, h);
-  if (!a || !b || !dst || rows < 0) return false;
-  kestrelink::platform::SetBlockTimeZero();
-  const int64_t at = PixelOffset(width, x, y, 2);
-  const int step = 2 * int(width);
-  if (w < 1 || rows < 1) return false;
-  return ForEachBand(uint32_t(rows), [&](uint32_t first, uint32_t count) {
-           const int64_t band = at + int64_t(first) * step;
-           return ippiAbsDiff_16u_C1R(At<const Ipp16u>(a, band), step, At<const Ipp16u>(b, band), step,
-                                      At<Ipp16u>(dst, band), step, {w, int(count)});
-         }) == 0;
+  return BandedAbsDiff<Ipp16u>(ippiAbsDiff_16u_C1R, width, height, a, b, dst, x, y, w, h);
 }
 
 bool CIppMotionDetector::MoveToward8bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst,

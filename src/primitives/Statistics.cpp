@@ -18,23 +18,26 @@ IppStatus ippiCountInRange_8u_C1R(const Ipp8u* pSrc, int srcStep, IppiSize roiSi
   return ippStsNoErr;
 }
 
-IppStatus ippiMean_8u_C1R(const Ipp8u* pSrc, int srcStep, IppiSize roiSize, double* pMean) {
-  if (!pSrc || !pMean) return ippStsNullPtrErr;
-  if (const IppStatus s = kestrelink::prim::CheckSize(roiSize, 1, 1)) return s;
-  const auto row = AnalysisRows().sum8;
+namespace {
+
+// The exact sum of the region's samples over their number.
+template <class T, class Row>
+IppStatus Mean(const T* src, int step, IppiSize size, double* mean, Row row) {
+  if (!src || !mean) return ippStsNullPtrErr;
+  if (const IppStatus s = kestrelink::prim::CheckSize(size, 1, 1)) return s;
   uint64_t sum = 0;
-  for (int y = 0; y < roiSize.height; ++y) sum += row(StepRow(pSrc, srcStep, y), uint32_t(roiSize.width));
-  *pMean = double(sum) / (double(roiSize.width) * roiSize.height);
+  for (int y = 0; y < size.height; ++y)
+    sum += row(reinterpret_cast<const T*>(StepRow(src, step, y)), uint32_t(size.width));
+  *mean = double(sum) / (double(size.width) * size.height);
   return ippStsNoErr;
 }
 
+}  // namespace
+
+IppStatus ippiMean_8u_C1R(const Ipp8u* pSrc, int srcStep, IppiSize roiSize, double* pMean) {
+  return Mean(pSrc, srcStep, roiSize, pMean, AnalysisRows().sum8);
+}
+
 IppStatus ippiMean_16u_C1R(const Ipp16u* pSrc, int srcStep, IppiSize roiSize, double* pMean) {
-  if (!pSrc || !pMean) return ippStsNullPtrErr;
-  if (const IppStatus s = kestrelink::prim::CheckSize(roiSize, 1, 1)) return s;
-  const auto row = AnalysisRows().sum16;
-  uint64_t sum = 0;
-  for (int y = 0; y < roiSize.height; ++y)
-    sum += row(reinterpret_cast<const uint16_t*>(StepRow(pSrc, srcStep, y)), uint32_t(roiSize.width));
-  *pMean = double(sum) / (double(roiSize.width) * roiSize.height);
-  return ippStsNoErr;
+  return Mean(pSrc, srcStep, roiSize, pMean, AnalysisRows().sum16);
 }

@@ -53,6 +53,21 @@ bool TableGrey(unsigned int width, unsigned int height, void* src, void* dst, co
   return true;
 }
 
+// The grey primitive over the whole frame, in bands of rows over the team
+// (the result does not depend on the bands).
+template <class T>
+bool BandedRgbGrey(IppStatus (*kernel)(const T*, int, T*, int, IppiSize), unsigned int width, unsigned int height,
+                   void* src, void* dst) {
+  if (!src || !dst || width < 1 || height < 1) return false;
+  kestrelink::platform::SetBlockTimeZero();
+  const int inStep = int(3 * width * sizeof(T)), outStep = int(width * sizeof(T));
+  return kestrelink::ForEachBand(height, [&](uint32_t first, uint32_t count) {
+           return kernel(reinterpret_cast<const T*>(static_cast<const uint8_t*>(src) + int64_t(first) * inStep),
+                         inStep, reinterpret_cast<T*>(static_cast<uint8_t*>(dst) + int64_t(first) * outStep),
+                         outStep, {int(width), int(count)});
+         }) == ippStsNoErr;
+}
+
 }  // namespace
 
 CIppMotionDetector::CIppMotionDetector()
@@ -85,17 +100,11 @@ CIppMotionDetector& CIppMotionDetector::operator=(const CIppMotionDetector& othe
 }
 
 bool CIppMotionDetector::RGB8GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
-  kestrelink::platform::SetBlockTimeZero();
-  const int w = int(width);
-  return ippiRGBToGray_8u_C3C1R(static_cast<Ipp8u*>(src), 3 * w, static_cast<Ipp8u*>(dst), w,
-                                {w, int(height)}) == ippStsNoErr;
+  return BandedRgbGrey<Ipp8u>(ippiRGBToGray_8u_C3C1R, width, height, src, dst);
 }
 
 bool CIppMotionDetector::RGB16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
-  kestrelink::platform::SetBlockTimeZero();
-  const int w = int(width);
-  return ippiRGBToGray_16u_C3C1R(static_cast<Ipp16u*>(src), 6 * w, static_cast<Ipp16u*>(dst), 2 * w,
-                                 {w, int(height)}) == ippStsNoErr;
+  return BandedRgbGrey<Ipp16u>(ippiRGBToGray_16u_C3C1R, width, height, src, dst);
 }
 
 bool CIppMotionDetector::BGR8GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {

@@ -84,24 +84,19 @@ void Peer(const char* operation, size_t read, size_t written, Call call) {
 void RegisterCases() {
   RegisterMemcpy(1);
   RegisterMemcpy(2);
-  Ours("grey of RGB24", 3, 1, [](MotionFrames& f, int w, int h) {
-    return f.motion.RGB8GrayConvert(w, h, f.rgb.data(), f.dst.data());
-  });
-  Ours("grey of BGR24 (tables)", 3, 1, [](MotionFrames& f, int w, int h) {
-    return f.motion.BGR8GrayConvert(w, h, f.rgb.data(), f.dst.data());
-  });
+  Ours("grey of RGB24", 3, 1,
+       [](MotionFrames& f, int w, int h) { return f.motion.RGB8GrayConvert(w, h, f.rgb.data(), f.dst.data()); });
+  Ours("grey of BGR24 (tables)", 3, 1,
+       [](MotionFrames& f, int w, int h) { return f.motion.BGR8GrayConvert(w, h, f.rgb.data(), f.dst.data()); });
   Ours("count in range", 1, 0, [](MotionFrames& f, int w, int h) {
     return f.motion.Count8bitGrayPixels(w, h, f.a.data(), 40, 200, 0, 0, w, h, f.count);
   });
-  Ours("mean", 1, 0, [](MotionFrames& f, int w, int h) {
-    return f.motion.Mean8bitGrayPixels(w, h, f.a.data(), 0, 0, w, h, f.mean);
-  });
-  Ours("dilate 3x3", 1, 1, [](MotionFrames& f, int w, int h) {
-    return f.motion.Dilate8bitGrayPixels(w, h, f.work.data(), 0, 0, w, h);
-  });
-  Ours("erode 3x3", 1, 1, [](MotionFrames& f, int w, int h) {
-    return f.motion.Erode8bitGrayPixels(w, h, f.work.data(), 0, 0, w, h);
-  });
+  Ours("mean", 1, 0,
+       [](MotionFrames& f, int w, int h) { return f.motion.Mean8bitGrayPixels(w, h, f.a.data(), 0, 0, w, h, f.mean); });
+  Ours("dilate 3x3", 1, 1,
+       [](MotionFrames& f, int w, int h) { return f.motion.Dilate8bitGrayPixels(w, h, f.work.data(), 0, 0, w, h); });
+  Ours("erode 3x3", 1, 1,
+       [](MotionFrames& f, int w, int h) { return f.motion.Erode8bitGrayPixels(w, h, f.work.data(), 0, 0, w, h); });
   Ours("Sobel 3x3 vertical edges", 1, 1, [](MotionFrames& f, int w, int h) {
     return f.motion.Sobel8bitGrayPixels(w, h, f.a.data(), f.dst.data(), 0, 0, w, h, true, 0);
   });

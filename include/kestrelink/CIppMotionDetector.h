@@ -1,7 +1,7 @@
 #pragma once
-#include <cstdint>
-
 #include <kestrelink/Export.h>
+
+#include <cstdint>
 
 // Grey-level operations for motion and edge analysis on packed frames (rows
 // of width pixels, no padding, top row first; 16-bit forms hold one 16-bit
@@ -45,14 +45,14 @@ class KESTRELINK_API CIppMotionDetector {
   // Short forms. 8-bit: pixels with low <= v <= high, the bounds cut to 8
   // bits. 16-bit: low < v < high on the first pixel of each rectangle row
   // only, which adds w or 0 for the row.
-  bool Count8bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y,
-                           int w, int h, int& count);
+  bool Count8bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y, int w,
+                           int h, int& count);
   bool Count16bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y,
                             int w, int h, int& count);
   // Second forms: count of low <= v <= high, and mean of all nonzero pixels
   // of the rectangle whatever their range (0.0 when there is none).
-  bool Count8bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y,
-                           int w, int h, int& count, double& mean);
+  bool Count8bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y, int w,
+                           int h, int& count, double& mean);
   bool Count16bitGrayPixels(unsigned int width, unsigned int height, void* image, int low, int high, int x, int y,
                             int w, int h, int& count, double& mean);
 
@@ -84,8 +84,8 @@ class KESTRELINK_API CIppMotionDetector {
   // |a - b| at the rectangle.
   bool AbsDiff8bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst, int x, int y, int w,
                              int h);
-  bool AbsDiff16bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst, int x, int y,
-                              int w, int h);
+  bool AbsDiff16bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst, int x, int y, int w,
+                              int h);
 
   bool Mean8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y, int w, int h,
                           double& mean);
@@ -134,8 +134,8 @@ class KESTRELINK_API CIppMotionDetector {
   // bounds low and 255 (both sample widths).
   bool AbsDiff8GrayPixels(unsigned int width, unsigned int height, void* a, void* b, int x, int y, int w, int h,
                           int low, int& count, double& mean);
-  bool AbsDiff16GrayPixels(unsigned int width, unsigned int height, int bitDepth, void* a, void* b, int x, int y,
-                           int w, int h, int low, int& count, double& mean);
+  bool AbsDiff16GrayPixels(unsigned int width, unsigned int height, int bitDepth, void* a, void* b, int x, int y, int w,
+                           int h, int low, int& count, double& mean);
   // 3 x 3 Sobel of src into edge (a scratch frame when edge is null), then
   // the short count with bounds 1 and 255.
   bool EdgeDetect8GrayPixels(unsigned int width, unsigned int height, void* src, void* edge, int x, int y, int w, int h,

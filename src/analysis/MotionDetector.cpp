@@ -62,9 +62,9 @@ bool BandedRgbGrey(IppStatus (*kernel)(const T*, int, T*, int, IppiSize), unsign
   kestrelink::platform::SetBlockTimeZero();
   const int inStep = int(3 * width * sizeof(T)), outStep = int(width * sizeof(T));
   return kestrelink::ForEachBand(height, [&](uint32_t first, uint32_t count) {
-           return kernel(reinterpret_cast<const T*>(static_cast<const uint8_t*>(src) + int64_t(first) * inStep),
-                         inStep, reinterpret_cast<T*>(static_cast<uint8_t*>(dst) + int64_t(first) * outStep),
-                         outStep, {int(width), int(count)});
+           return kernel(reinterpret_cast<const T*>(static_cast<const uint8_t*>(src) + int64_t(first) * inStep), inStep,
+                         reinterpret_cast<T*>(static_cast<uint8_t*>(dst) + int64_t(first) * outStep), outStep,
+                         {int(width), int(count)});
          }) == ippStsNoErr;
 }
 
@@ -116,11 +116,9 @@ bool CIppMotionDetector::BGRx8GrayConvert(unsigned int width, unsigned int heigh
 }
 
 bool CIppMotionDetector::BGR16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
-  return TableGrey<uint16_t, uint16_t, 3>(width, height, src, dst, redWeightTable, greenWeightTable,
-                                          blueWeightTable);
+  return TableGrey<uint16_t, uint16_t, 3>(width, height, src, dst, redWeightTable, greenWeightTable, blueWeightTable);
 }
 
 bool CIppMotionDetector::BGRx16GrayConvert(unsigned int width, unsigned int height, void* src, void* dst) {
-  return TableGrey<uint16_t, uint16_t, 4>(width, height, src, dst, redWeightTable, greenWeightTable,
-                                          blueWeightTable);
+  return TableGrey<uint16_t, uint16_t, 4>(width, height, src, dst, redWeightTable, greenWeightTable, blueWeightTable);
 }

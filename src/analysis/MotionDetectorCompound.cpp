@@ -84,8 +84,8 @@ bool CIppMotionDetector::EdgeDetect16GrayPixels(unsigned int width, unsigned int
 }
 
 bool CIppMotionDetector::EdgeDetectWidthBackground8GrayPixels(unsigned int width, unsigned int height, void* image,
-                                                              void* background, void* edge, int x, int y, int w,
-                                                              int h, int threshold, int& count, int) {
+                                                              void* background, void* edge, int x, int y, int w, int h,
+                                                              int threshold, int& count, int) {
   const int ix = x + 1, iy = y + 1, iw = w - 2, ih = h - 2;
   FrameImage<uint8_t> scratch(width, height);
   if (!scratch.Zero()) return false;
@@ -109,8 +109,7 @@ bool CIppMotionDetector::EdgeDetectWidthBackground16GrayPixels(unsigned int widt
   FrameImage<uint16_t> scratch(width, height);
   if (!scratch.Zero()) return false;
   bool done = AbsDiff16bitGrayPixels(width, height, image, background, scratch.data(), ix, iy, iw, ih);
-  done = Threshold16bitGrayPixels(width, height, bitDepth, scratch.data(), scratch.data(), threshold, ix, iy, iw,
-                                  ih) &&
+  done = Threshold16bitGrayPixels(width, height, bitDepth, scratch.data(), scratch.data(), threshold, ix, iy, iw, ih) &&
          done;
   done = Openning16bitGrayPixels(width, height, scratch.data(), ix, iy, iw, ih) && done;
   FrameImage<uint16_t> second(width, height, edge);

@@ -56,9 +56,9 @@ bool Correction(unsigned int width, unsigned int height, void* src, void* dst, i
 template <class T, int Channels, int Stride>
 bool Replace(unsigned int width, unsigned int height, void* image, void* mask, int x, int y, int w, int h,
              const int (&values)[Channels]) {
-  const int imageRows = FitRows(FrameBytes(width, height, Stride * sizeof(T)),
-                                PixelOffset(width, x, y, Stride * sizeof(T)), int64_t(width) * Stride * sizeof(T),
-                                int64_t(w) * Stride * int64_t(sizeof(T)), h);
+  const int imageRows =
+      FitRows(FrameBytes(width, height, Stride * sizeof(T)), PixelOffset(width, x, y, Stride * sizeof(T)),
+              int64_t(width) * Stride * sizeof(T), int64_t(w) * Stride * int64_t(sizeof(T)), h);
   const int maskRows = FitRows(FrameBytes(width, height, sizeof(T)), PixelOffset(width, x, y, sizeof(T)),
                                int64_t(width) * sizeof(T), int64_t(w) * int64_t(sizeof(T)), h);
   if (!image || !mask || imageRows < 0 || maskRows < 0) return false;
@@ -91,8 +91,7 @@ bool CIppMotionDetector::Convolute8bitCorrection(unsigned int width, unsigned in
 }
 
 bool CIppMotionDetector::Convolute16bitCorrection(unsigned int width, unsigned int height, int bitDepth, void* src,
-                                                  void* dst, int x, int y, int w, int h, int* kernel,
-                                                  int kernelSize) {
+                                                  void* dst, int x, int y, int w, int h, int* kernel, int kernelSize) {
   return Correction<uint16_t>(width, height, src, dst, x, y, w, h, kernel, kernelSize, FullScale(bitDepth));
 }
 

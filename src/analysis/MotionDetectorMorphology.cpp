@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "analysis/MotionFrame.h"
-#include "platform/OpenMP.h"
 #include "frame/RowLoop.h"
+#include "platform/OpenMP.h"
 #include "primitives/AnalysisPrimitives.h"
 #include "primitives/SobelRows.h"
 
@@ -20,8 +20,8 @@ constexpr int kSobelStripRows = 32;
 
 // A frame region for the in-place morphology: first byte, step, pixel size.
 template <class T>
-bool Morph(IppStatus (*kernel)(T*, int, IppiSize), void* image, uint64_t frameBytes, int64_t start, int64_t step,
-           int w, int h) {
+bool Morph(IppStatus (*kernel)(T*, int, IppiSize), void* image, uint64_t frameBytes, int64_t start, int64_t step, int w,
+           int h) {
   const int rows = FitRows(frameBytes, start, step, int64_t(w) * int64_t(sizeof(T)), h);
   if (!image || rows < 0) return false;
   kestrelink::platform::SetBlockTimeZero();
@@ -47,8 +47,8 @@ IppStatus FilterWithBuffer(SobelFilter filter, SobelQuery query, const Ipp8u* sr
 
 IppStatus Vert(const Ipp8u* src, int srcStep, Ipp16s* dst, int dstStep, IppiSize size, IppiMaskSize mask,
                IppiBorderType border, Ipp8u value) {
-  return FilterWithBuffer(ippiFilterSobelVertBorder_8u16s_C1R, ippiFilterSobelVertGetBufferSize_8u16s_C1R, src,
-                          srcStep, dst, dstStep, size, mask, border, value);
+  return FilterWithBuffer(ippiFilterSobelVertBorder_8u16s_C1R, ippiFilterSobelVertGetBufferSize_8u16s_C1R, src, srcStep,
+                          dst, dstStep, size, mask, border, value);
 }
 
 IppStatus Horiz(const Ipp8u* src, int srcStep, Ipp16s* dst, int dstStep, IppiSize size, IppiMaskSize mask,
@@ -75,32 +75,32 @@ struct Scratch16 {
 
 }  // namespace
 
-bool CIppMotionDetector::Dilate8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y,
-                                              int w, int h) {
-  return Morph<Ipp8u>(ippiDilate3x3_8u_C1IR, image, FrameBytes(width, height, 1), PixelOffset(width, x, y, 1), width,
-                      w, h);
+bool CIppMotionDetector::Dilate8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y, int w,
+                                              int h) {
+  return Morph<Ipp8u>(ippiDilate3x3_8u_C1IR, image, FrameBytes(width, height, 1), PixelOffset(width, x, y, 1), width, w,
+                      h);
 }
 
 bool CIppMotionDetector::Dilate16bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y,
                                                int w, int h) {
   // The 8-bit dilation on the 16-bit frame's bytes, from byte y * width + x
   // with rows width bytes apart: a settled behaviour of the format.
-  return Morph<Ipp8u>(ippiDilate3x3_8u_C1IR, image, FrameBytes(width, height, 2), PixelOffset(width, x, y, 1), width,
+  return Morph<Ipp8u>(ippiDilate3x3_8u_C1IR, image, FrameBytes(width, height, 2), PixelOffset(width, x, y, 1), width, w,
+                      h);
+}
+
+bool CIppMotionDetector::Erode8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y, int w,
+                                             int h) {
+  // Starts one row down, at byte (y + 1) * width + x: a settled behaviour of the format.
+  return Morph<Ipp8u>(ippiErode3x3_8u_C1IR, image, FrameBytes(width, height, 1), PixelOffset(width, x, y + 1, 1), width,
                       w, h);
 }
 
-bool CIppMotionDetector::Erode8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y,
-                                             int w, int h) {
-  // Starts one row down, at byte (y + 1) * width + x: a settled behaviour of the format.
-  return Morph<Ipp8u>(ippiErode3x3_8u_C1IR, image, FrameBytes(width, height, 1), PixelOffset(width, x, y + 1, 1),
-                      width, w, h);
-}
-
-bool CIppMotionDetector::Erode16bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y,
-                                              int w, int h) {
+bool CIppMotionDetector::Erode16bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y, int w,
+                                              int h) {
   // Starts one row down and one pixel right: a settled behaviour of the format.
-  return Morph<Ipp16u>(ippiErode3x3_16u_C1IR, image, FrameBytes(width, height, 2),
-                       PixelOffset(width, x + 1, y + 1, 2), 2 * int64_t(width), w, h);
+  return Morph<Ipp16u>(ippiErode3x3_16u_C1IR, image, FrameBytes(width, height, 2), PixelOffset(width, x + 1, y + 1, 2),
+                       2 * int64_t(width), w, h);
 }
 
 bool CIppMotionDetector::Openning8bitGrayPixels(unsigned int width, unsigned int height, void* image, int x, int y,
@@ -134,32 +134,33 @@ bool CIppMotionDetector::Sobel8bitGrayPixels(unsigned int width, unsigned int he
   // scratch images stay in cache; every pixel goes through the same steps
   // as over the whole rectangle at once.
   return kestrelink::ForEachBand(uint32_t(rows), [&](uint32_t first, uint32_t count) -> int {
-    const int strip = std::min(int(count), kSobelStripRows);
-    Scratch16 magnitude(w, strip), second(w, direction == 2 ? strip : 1);
-    int bufferStep = 0;
-    Ipp8u* buffer = ippiMalloc_8u_C1(bufferBytes, 1, &bufferStep);
-    IppStatus s = magnitude.data && second.data && buffer ? ippStsNoErr : ippStsNullPtrErr;
-    for (int r = int(first); s == ippStsNoErr && r < int(first + count); r += strip) {
-      const IppiSize part = {w, std::min(strip, int(first + count) - r)};
-      s = ippiSet_16s_C1R(0, magnitude.data, magnitude.step, part);
-      if (s == ippStsNoErr)
-        s = SobelRows(in, step, magnitude.data, magnitude.step, size, mask, ippBorderRepl, 0, buffer, direction != 1,
-                      r, part.height);
-      if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(magnitude.data, magnitude.step, part);
-      if (s == ippStsNoErr && direction == 2) {
-        s = ippiSet_16s_C1R(0, second.data, second.step, part);
-        if (s == ippStsNoErr)
-          s = SobelRows(in, step, second.data, second.step, size, mask, ippBorderRepl, 0, buffer, false, r,
-                        part.height);
-        if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(second.data, second.step, part);
-        if (s == ippStsNoErr) s = ippiAdd_16s_C1IRSfs(second.data, second.step, magnitude.data, magnitude.step, part, 0);
-      }
-      if (s == ippStsNoErr)
-        s = ippiConvert_16s8u_C1R(magnitude.data, magnitude.step, out + int64_t(r) * step, step, part);
-    }
-    ippiFree(buffer);
-    return s;
-  }) == ippStsNoErr;
+           const int strip = std::min(int(count), kSobelStripRows);
+           Scratch16 magnitude(w, strip), second(w, direction == 2 ? strip : 1);
+           int bufferStep = 0;
+           Ipp8u* buffer = ippiMalloc_8u_C1(bufferBytes, 1, &bufferStep);
+           IppStatus s = magnitude.data && second.data && buffer ? ippStsNoErr : ippStsNullPtrErr;
+           for (int r = int(first); s == ippStsNoErr && r < int(first + count); r += strip) {
+             const IppiSize part = {w, std::min(strip, int(first + count) - r)};
+             s = ippiSet_16s_C1R(0, magnitude.data, magnitude.step, part);
+             if (s == ippStsNoErr)
+               s = SobelRows(in, step, magnitude.data, magnitude.step, size, mask, ippBorderRepl, 0, buffer,
+                             direction != 1, r, part.height);
+             if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(magnitude.data, magnitude.step, part);
+             if (s == ippStsNoErr && direction == 2) {
+               s = ippiSet_16s_C1R(0, second.data, second.step, part);
+               if (s == ippStsNoErr)
+                 s = SobelRows(in, step, second.data, second.step, size, mask, ippBorderRepl, 0, buffer, false, r,
+                               part.height);
+               if (s == ippStsNoErr) s = ippiAbs_16s_C1IR(second.data, second.step, part);
+               if (s == ippStsNoErr)
+                 s = ippiAdd_16s_C1IRSfs(second.data, second.step, magnitude.data, magnitude.step, part, 0);
+             }
+             if (s == ippStsNoErr)
+               s = ippiConvert_16s8u_C1R(magnitude.data, magnitude.step, out + int64_t(r) * step, step, part);
+           }
+           ippiFree(buffer);
+           return s;
+         }) == ippStsNoErr;
 }
 
 bool CIppMotionDetector::Sobel16bitGrayPixels(unsigned int width, unsigned int height, void* src, void* dst, int x,

@@ -52,8 +52,8 @@ bool CountAndMean(unsigned int width, unsigned int height, void* image, int low,
 // rows that fit, or -1.
 template <class T>
 int RectRows(unsigned int width, unsigned int height, int x, int y, int w, int h) {
-  return FitRows(FrameBytes(width, height, sizeof(T)), PixelOffset(width, x, y, sizeof(T)),
-                 int64_t(width) * sizeof(T), int64_t(w) * int64_t(sizeof(T)), h);
+  return FitRows(FrameBytes(width, height, sizeof(T)), PixelOffset(width, x, y, sizeof(T)), int64_t(width) * sizeof(T),
+                 int64_t(w) * int64_t(sizeof(T)), h);
 }
 
 // |a - b| at the rectangle, in bands of rows over the team; the kernel's
@@ -74,8 +74,8 @@ bool BandedAbsDiff(IppStatus (*kernel)(const T*, int, const T*, int, T*, int, Ip
 }
 
 template <class T>
-bool ThresholdRect(unsigned int width, unsigned int height, void* src, void* dst, int threshold, int full, int x,
-                   int y, int w, int h) {
+bool ThresholdRect(unsigned int width, unsigned int height, void* src, void* dst, int threshold, int full, int x, int y,
+                   int w, int h) {
   const int rows = RectRows<T>(width, height, x, y, w, h);
   if (!src || !dst || rows < 0) return false;
   if (w <= 0) return true;
@@ -189,8 +189,8 @@ bool CIppMotionDetector::MoveToward8bitGrayPixels(unsigned int width, unsigned i
   return MoveToward<uint8_t>(width, height, a, b, dst, step);
 }
 
-bool CIppMotionDetector::MoveToward16bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b,
-                                                   void* dst, int step) {
+bool CIppMotionDetector::MoveToward16bitGrayPixels(unsigned int width, unsigned int height, void* a, void* b, void* dst,
+                                                   int step) {
   return MoveToward<uint16_t>(width, height, a, b, dst, step);
 }
 

@@ -29,9 +29,7 @@ inline uint64_t FrameBytes(unsigned int width, unsigned int height, int sampleBy
 }
 
 // The largest sample of a bit depth, within 16 bits.
-inline int FullScale(int bitDepth) {
-  return bitDepth >= 16 ? 65535 : bitDepth <= 0 ? 0 : (1 << bitDepth) - 1;
-}
+inline int FullScale(int bitDepth) { return bitDepth >= 16 ? 65535 : bitDepth <= 0 ? 0 : (1 << bitDepth) - 1; }
 
 template <class T>
 inline T* At(void* frame, int64_t byteOffset) {

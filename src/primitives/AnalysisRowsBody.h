@@ -41,9 +41,9 @@ void RgbToGray8Plain(const uint8_t* rgb, uint8_t* dst, size_t n) {
 // pairs of 16-bit lanes, which the multiply-add weighs and sums in 32 bits.
 inline __m256i Grey8Pixels(const uint8_t* p) {
   const __m256i v = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(p + 12), reinterpret_cast<const __m128i*>(p));
-  const __m256i redGreen = _mm256_shuffle_epi8(
-      v, _mm256_setr_epi8(0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1,  //
-                          0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1));
+  const __m256i redGreen =
+      _mm256_shuffle_epi8(v, _mm256_setr_epi8(0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1,  //
+                                              0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1));
   const __m256i blueOne = _mm256_or_si256(
       _mm256_shuffle_epi8(v, _mm256_setr_epi8(2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1,  //
                                               2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1)),
@@ -124,7 +124,7 @@ uint32_t CountInRange8(const uint8_t* row, uint32_t n, uint8_t lo, uint8_t hi) {
   uint32_t i = 0;
   while (i + kLanes <= n) {
     // Up to 255 steps of one per lane, then the lanes go to the 64-bit sums.
-    Bytes ones = Bytes{} ;
+    Bytes ones = Bytes{};
     const uint32_t steps = std::min<uint32_t>(255, (n - i) / kLanes);
     for (uint32_t s = 0; s < steps; ++s, i += kLanes) {
       const Bytes v = LoadBytes(row + i);
@@ -248,13 +248,33 @@ void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
 }
 
 constexpr AnalysisRowKernels kBodyKernels = {
-    RgbToGray8,          RgbToGray16,         CountInRange8,        Sum8,
-    Sum16,               Max3Cols<uint8_t>,   Min3Cols<uint8_t>,    Min3Cols<uint16_t>,
-    Max3Rows<uint8_t>,   Min3Rows<uint8_t>,   Min3Rows<uint16_t>,   SmoothRows3,
-    DiffRows3,           SmoothRows5,         DiffRows5,            SmoothCols3,
-    DiffCols3,           SmoothCols5,         DiffCols5,            AbsDiff<uint8_t>,
-    AbsDiff<uint16_t>,   Abs16s,              AddSat16s,            Convert16s8u,
-    Threshold<uint8_t>,  Threshold<uint16_t>};
+    .rgbToGray8 = RgbToGray8,
+    .rgbToGray16 = RgbToGray16,
+    .countInRange8 = CountInRange8,
+    .sum8 = Sum8,
+    .sum16 = Sum16,
+    .max3Cols8 = Max3Cols<uint8_t>,
+    .min3Cols8 = Min3Cols<uint8_t>,
+    .min3Cols16 = Min3Cols<uint16_t>,
+    .max3Rows8 = Max3Rows<uint8_t>,
+    .min3Rows8 = Min3Rows<uint8_t>,
+    .min3Rows16 = Min3Rows<uint16_t>,
+    .smoothRows3 = SmoothRows3,
+    .diffRows3 = DiffRows3,
+    .smoothRows5 = SmoothRows5,
+    .diffRows5 = DiffRows5,
+    .smoothCols3 = SmoothCols3,
+    .diffCols3 = DiffCols3,
+    .smoothCols5 = SmoothCols5,
+    .diffCols5 = DiffCols5,
+    .absDiff8 = AbsDiff<uint8_t>,
+    .absDiff16 = AbsDiff<uint16_t>,
+    .abs16s = Abs16s,
+    .addSat16s = AddSat16s,
+    .convert16s8u = Convert16s8u,
+    .threshold8 = Threshold<uint8_t>,
+    .threshold16 = Threshold<uint16_t>,
+};
 
 }  // namespace
 }  // namespace kestrelink::analysis

@@ -54,9 +54,13 @@ IppStatus Morph3x3(T* image, int step, IppiSize size, ColsKernel<T> cols, RowsKe
 }
 
 template <class T>
-T Larger(T a, T b) { return std::max(a, b); }
+T Larger(T a, T b) {
+  return std::max(a, b);
+}
 template <class T>
-T Smaller(T a, T b) { return std::min(a, b); }
+T Smaller(T a, T b) {
+  return std::min(a, b);
+}
 
 }  // namespace
 }  // namespace kestrelink::analysis

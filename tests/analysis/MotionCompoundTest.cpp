@@ -1,7 +1,6 @@
 // The three compound detectors of CIppMotionDetector, step by step: their
 // results against the members they are built of, worked from the rules.
 #include <gtest/gtest.h>
-
 #include <kestrelink/CIppMotionDetector.h>
 
 #include <cstdlib>
@@ -55,8 +54,8 @@ TEST(MotionCompound, EdgeDetectFiltersIntoTheEdgeFrameAndCounts) {
   const auto vert = testsupport::SobelReference(rect, RW, RH, true, false, true, 0);
   std::vector<uint8_t> edge(W * H, 0x77);
   int count = -1, fromScratch = -2;
-  ASSERT_TRUE(motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), edge.data(), X, Y, RW, RH, 0,
-                                           count, 0));
+  ASSERT_TRUE(
+      motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), edge.data(), X, Y, RW, RH, 0, count, 0));
   int want = 0;
   for (unsigned r = 0; r < H; ++r)
     for (unsigned c = 0; c < W; ++c) {
@@ -66,11 +65,11 @@ TEST(MotionCompound, EdgeDetectFiltersIntoTheEdgeFrameAndCounts) {
       ASSERT_EQ(edge[r * W + c], v) << c << "," << r;
     }
   EXPECT_EQ(count, want);
-  ASSERT_TRUE(motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), nullptr, X, Y, RW, RH, 0,
-                                           fromScratch, 0));
+  ASSERT_TRUE(
+      motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), nullptr, X, Y, RW, RH, 0, fromScratch, 0));
   EXPECT_EQ(fromScratch, want);
-  EXPECT_FALSE(motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), edge.data(), X, Y, RW, RH, 3,
-                                            count, 0));
+  EXPECT_FALSE(
+      motion.EdgeDetect8GrayPixels(W, H, const_cast<uint8_t*>(src.data()), edge.data(), X, Y, RW, RH, 3, count, 0));
 }
 
 // A flat frame of value v filtered with a border of 1: the first pixel of
@@ -79,9 +78,7 @@ TEST(MotionCompound, EdgeDetectFiltersIntoTheEdgeFrameAndCounts) {
 // width when that lies strictly between 1 and 255.
 TEST(MotionCompound, EdgeDetect16CountsByFirstPixels) {
   CIppMotionDetector motion;
-  const struct {
-    int value, count;
-  } cases[] = {{50, RW * RH}, {70, 2 * RW}, {100, 0}};
+  const struct { int value, count; } cases[] = {{50, RW * RH}, {70, 2 * RW}, {100, 0}};
   for (const auto& c : cases) {
     std::vector<uint16_t> src(W * H, uint16_t(c.value)), edge(W * H, 0x77);
     int count = -1;
@@ -103,13 +100,13 @@ TEST(MotionCompound, EdgeDetectWidthBackgroundSeesNoMask) {
     std::vector<uint16_t> edge16(W * H, 0x77);
     int count = -1, count16 = -1, scratchCount = -1;
     ASSERT_TRUE(motion.EdgeDetectWidthBackground8GrayPixels(W, H, const_cast<uint8_t*>(image.data()),
-                                                            const_cast<uint8_t*>(background.data()), edge.data(), X,
-                                                            Y, RW, RH, threshold, count, 0));
+                                                            const_cast<uint8_t*>(background.data()), edge.data(), X, Y,
+                                                            RW, RH, threshold, count, 0));
     ASSERT_TRUE(motion.EdgeDetectWidthBackground16GrayPixels(W, H, 8, image16.data(), background16.data(),
                                                              edge16.data(), X, Y, RW, RH, threshold, count16, 0));
     ASSERT_TRUE(motion.EdgeDetectWidthBackground8GrayPixels(W, H, const_cast<uint8_t*>(image.data()),
-                                                            const_cast<uint8_t*>(background.data()), nullptr, X, Y,
-                                                            RW, RH, threshold, scratchCount, 0));
+                                                            const_cast<uint8_t*>(background.data()), nullptr, X, Y, RW,
+                                                            RH, threshold, scratchCount, 0));
     EXPECT_EQ(count, 0);
     EXPECT_EQ(count16, 0);
     EXPECT_EQ(scratchCount, 0);

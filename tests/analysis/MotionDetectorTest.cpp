@@ -1,7 +1,6 @@
 // CIppMotionDetector's members and the differences between their 8- and
 // 16-bit forms, each against values worked out from the stated rule.
 #include <gtest/gtest.h>
-
 #include <kestrelink/CIppMotionDetector.h>
 
 #include <cmath>
@@ -28,11 +27,10 @@ TEST(MotionDetectorGrey, TablesWeighBlueAsGreen) {
   const struct {
     int s0, s1, s2, grey;
   } pixels[] = {
-      {0, 255, 0, 29},     // pure green takes the 0.114 weight
-      {255, 0, 0, 150},    // pure blue takes the 0.587 weight
-      {0, 0, 255, 76},     // red keeps 0.299
-      {255, 255, 255, 255},
-      {10, 20, 30, Weight(30, 0.299) + Weight(20, 0.114) + Weight(10, 0.587)},
+      {0, 255, 0, 29},   // pure green takes the 0.114 weight
+      {255, 0, 0, 150},  // pure blue takes the 0.587 weight
+      {0, 0, 255, 76},   // red keeps 0.299
+      {255, 255, 255, 255}, {10, 20, 30, Weight(30, 0.299) + Weight(20, 0.114) + Weight(10, 0.587)},
   };
   for (const auto& p : pixels) {
     uint8_t bgr[3] = {uint8_t(p.s0), uint8_t(p.s1), uint8_t(p.s2)}, bgrx[4] = {bgr[0], bgr[1], bgr[2], 99};
@@ -75,16 +73,16 @@ TEST(MotionDetectorGrey, RgbFormsUseTheWeightedSumOverTheWholeFrame) {
 TEST(MotionDetectorCount, ShortFormsDifferByWidth) {
   CIppMotionDetector motion;
   // A 6 x 3 frame; the rectangle is x 1, y 0, w 4, h 3.
-  const uint8_t img8[18] = {0, 50, 0, 0, 0, 0,  //
+  const uint8_t img8[18] = {0, 50, 0,  0,  0,  0,  //
                             0, 10, 50, 50, 50, 0, 0, 200, 40, 41, 9, 0};
-  const uint16_t img16[18] = {0, 50, 0, 0, 0, 0,  //
+  const uint16_t img16[18] = {0, 50, 0,  0,  0,  0,  //
                               0, 10, 50, 50, 50, 0, 0, 40, 1, 2, 3, 0};
   const struct {
     int low, high, count8, count16;
   } cases[] = {
       // 8-bit: every pixel, both bounds inclusive. 16-bit: only the first
       // pixel of each row (50, 10, 40), exclusive bounds, w for a hit.
-      {10, 50, 7, 4},   // 16-bit: 50 and 10 sit on the bounds, 40 inside
+      {10, 50, 7, 4},  // 16-bit: 50 and 10 sit on the bounds, 40 inside
       {9, 51, 8, 12},
       {266, 306, 7, 0},  // 8-bit bounds cut to 8 bits: 10 .. 50
       {0, 255, 12, 12},
@@ -128,11 +126,10 @@ TEST(MotionDetectorMoveToward, StepsBeyondBAndWraps) {
   const struct {
     int a, b, step, before, after8;
   } cases[] = {
-      {0, 250, 10, 1, 4},     // 260 wraps
-      {100, 103, 10, 1, 106},  // the difference is below the step
-      {250, 0, 10, 1, 246},    // 0 - 10 wraps
-      {60, 50, 4, 1, 46},
-      {77, 77, 9, 123, 123},   // equal: dst keeps its value
+      {0, 250, 10, 1, 4},                             // 260 wraps
+      {100, 103, 10, 1, 106},                         // the difference is below the step
+      {250, 0, 10, 1, 246},                           // 0 - 10 wraps
+      {60, 50, 4, 1, 46},     {77, 77, 9, 123, 123},  // equal: dst keeps its value
   };
   for (const auto& c : cases) {
     uint8_t a = uint8_t(c.a), b = uint8_t(c.b), d = uint8_t(c.before);
@@ -186,8 +183,8 @@ TEST(MotionDetectorMorphology, StartPixelsAndStepsByForm) {
   // Opening: erode, then dilate with the same arguments.
   auto o8 = img;
   ASSERT_TRUE(motion.Openning8bitGrayPixels(W, H, o8.data(), x, y, w, h));
-  EXPECT_EQ(o8, testsupport::Extreme3x3(testsupport::Extreme3x3(img, (y + 1) * W + x, W, w, h, false), y * W + x, W,
-                                        w, h, true));
+  EXPECT_EQ(o8, testsupport::Extreme3x3(testsupport::Extreme3x3(img, (y + 1) * W + x, W, w, h, false), y * W + x, W, w,
+                                        h, true));
 }
 
 TEST(MotionDetectorSobel, EightBitMagnitudesAtTheRectangle) {
@@ -199,26 +196,26 @@ TEST(MotionDetectorSobel, EightBitMagnitudesAtTheRectangle) {
   std::vector<uint8_t> rect(size_t(w) * h);
   for (int r = 0; r < h; ++r) std::memcpy(&rect[size_t(r) * w], &src[(y + r) * W + x], size_t(w));
   for (int team : {1, 2, 3})
-  for (bool three : {true, false})
-    for (int direction : {0, 1, 2}) {
-      testsupport::ScopedTeam scopedTeam(team);  // bands of rows must not change the result
-      SCOPED_TRACE(::testing::Message() << (three ? "3x3" : "5x5") << " direction " << direction << " team " << team);
-      std::vector<uint8_t> dst(W * H, 0x11);
-      ASSERT_TRUE(motion.Sobel8bitGrayPixels(W, H, src.data(), dst.data(), x, y, w, h, three, direction));
-      const auto vert = testsupport::SobelReference(rect, w, h, true, !three, true, 0);
-      const auto horiz = testsupport::SobelReference(rect, w, h, false, !three, true, 0);
-      for (unsigned r = 0; r < H; ++r)
-        for (unsigned c = 0; c < W; ++c) {
-          const bool inside = int(r) >= y && int(r) < y + h && int(c) >= x && int(c) < x + w;
-          int want = 0x11;
-          if (inside) {
-            const size_t i = size_t(int(r) - y) * w + size_t(int(c) - x);
-            const int v = std::min(std::abs(vert[i]), 32767), hz = std::min(std::abs(horiz[i]), 32767);
-            want = std::min(direction == 0 ? v : direction == 1 ? hz : std::min(v + hz, 32767), 255);
+    for (bool three : {true, false})
+      for (int direction : {0, 1, 2}) {
+        testsupport::ScopedTeam scopedTeam(team);  // bands of rows must not change the result
+        SCOPED_TRACE(::testing::Message() << (three ? "3x3" : "5x5") << " direction " << direction << " team " << team);
+        std::vector<uint8_t> dst(W * H, 0x11);
+        ASSERT_TRUE(motion.Sobel8bitGrayPixels(W, H, src.data(), dst.data(), x, y, w, h, three, direction));
+        const auto vert = testsupport::SobelReference(rect, w, h, true, !three, true, 0);
+        const auto horiz = testsupport::SobelReference(rect, w, h, false, !three, true, 0);
+        for (unsigned r = 0; r < H; ++r)
+          for (unsigned c = 0; c < W; ++c) {
+            const bool inside = int(r) >= y && int(r) < y + h && int(c) >= x && int(c) < x + w;
+            int want = 0x11;
+            if (inside) {
+              const size_t i = size_t(int(r) - y) * w + size_t(int(c) - x);
+              const int v = std::min(std::abs(vert[i]), 32767), hz = std::min(std::abs(horiz[i]), 32767);
+              want = std::min(direction == 0 ? v : direction == 1 ? hz : std::min(v + hz, 32767), 255);
+            }
+            ASSERT_EQ(dst[r * W + c], want) << c << "," << r;
           }
-          ASSERT_EQ(dst[r * W + c], want) << c << "," << r;
-        }
-    }
+      }
   std::vector<uint8_t> dst(W * H, 0x11);
   EXPECT_FALSE(motion.Sobel8bitGrayPixels(W, H, src.data(), dst.data(), x, y, w, h, true, 3));
   EXPECT_FALSE(motion.Sobel8bitGrayPixels(W, H, src.data(), dst.data(), x, y, w, h, true, -1));
@@ -294,7 +291,8 @@ TEST(MotionDetectorReplace, ColoursByLayoutAndOneGrey) {
   EXPECT_EQ(grey[1], int(30 * 0.587 + 10 * 0.299 + 20 * 0.114));  // 22
   const uint16_t mask16[1] = {3};
   uint16_t g16[1] = {0}, bgr16[3] = {};
-  ASSERT_TRUE(motion.Replace16bitGrayPixels(1, 1, 10, g16, const_cast<uint16_t*>(mask16), 0, 0, 1, 1, 4000, 4000, 4000));
+  ASSERT_TRUE(
+      motion.Replace16bitGrayPixels(1, 1, 10, g16, const_cast<uint16_t*>(mask16), 0, 0, 1, 1, 4000, 4000, 4000));
   EXPECT_EQ(g16[0], 1023);  // clamped to the depth
   ASSERT_TRUE(motion.Replace16bitBGRPixels(1, 1, 10, bgr16, const_cast<uint16_t*>(mask16), 0, 0, 1, 1, 1, 2, 3000));
   EXPECT_EQ(std::vector<int>(bgr16, bgr16 + 3), (std::vector<int>{3000, 2, 1}));

@@ -35,7 +35,8 @@ TEST(AnalysisKernels, GreyIsTheFourteenBitWeightedSum) {
           }
           const unsigned want = (4899 * rgb[p] + 9617 * rgb[p + 1] + 1868 * rgb[p + 2] + 8192) >> 14;
           const unsigned want16 = (4899u * testsupport::Word(rgb16, p) + 9617u * testsupport::Word(rgb16, p + 1) +
-                                   1868u * testsupport::Word(rgb16, p + 2) + 8192u) >> 14;
+                                   1868u * testsupport::Word(rgb16, p + 2) + 8192u) >>
+                                  14;
           ASSERT_EQ(grey[o], want) << x << "," << y;
           ASSERT_EQ(grey16[o], want16) << x << "," << y;
         }
@@ -48,15 +49,14 @@ TEST(AnalysisKernels, CountAndMeanOfARegion) {
   const int step = 75;
   const auto img = testsupport::RandomBytes(size_t(step) * s.height, 21);
   const auto img16 = testsupport::RandomWords(size_t(step) * s.height, 65536, 22);
-  const struct {
-    int lo, hi;
-  } bounds[] = {{0, 255}, {40, 200}, {77, 77}, {200, 40}, {255, 255}};
+  const struct { int lo, hi; } bounds[] = {{0, 255}, {40, 200}, {77, 77}, {200, 40}, {255, 255}};
   for (auto v : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant scoped(v);
     for (auto b : bounds) {
       int want = 0, got = -1;
       for (int y = 0; y < s.height; ++y)
-        for (int x = 0; x < s.width; ++x) want += img[size_t(y) * step + x] >= b.lo && img[size_t(y) * step + x] <= b.hi;
+        for (int x = 0; x < s.width; ++x)
+          want += img[size_t(y) * step + x] >= b.lo && img[size_t(y) * step + x] <= b.hi;
       ASSERT_EQ(ippiCountInRange_8u_C1R(img.data(), step, s, &got, Ipp8u(b.lo), Ipp8u(b.hi)), ippStsNoErr);
       EXPECT_EQ(got, want) << b.lo << ".." << b.hi;
     }
@@ -115,14 +115,13 @@ TEST(AnalysisKernels, SobelMatchesTheFullMasks) {
             std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
             std::vector<uint8_t> dst(size_t(dstStep) * s.height, 0x5A);
             auto* out = reinterpret_cast<Ipp16s*>(dst.data());
-            const IppStatus st =
-                vertical ? ippiFilterSobelVertBorder_8u16s_C1R(src.data(), srcStep, out, dstStep, s, mask, border, 7,
-                                                               buffer.data())
-                         : ippiFilterSobelHorizBorder_8u16s_C1R(src.data(), srcStep, out, dstStep, s, mask, border, 7,
-                                                                buffer.data());
+            const IppStatus st = vertical ? ippiFilterSobelVertBorder_8u16s_C1R(src.data(), srcStep, out, dstStep, s,
+                                                                                mask, border, 7, buffer.data())
+                                          : ippiFilterSobelHorizBorder_8u16s_C1R(src.data(), srcStep, out, dstStep, s,
+                                                                                 mask, border, 7, buffer.data());
             ASSERT_EQ(st, ippStsNoErr);
-            const auto want = testsupport::SobelReference(packed, s.width, s.height, vertical,
-                                                          mask == ippMskSize5x5, border == ippBorderRepl, 7);
+            const auto want = testsupport::SobelReference(packed, s.width, s.height, vertical, mask == ippMskSize5x5,
+                                                          border == ippBorderRepl, 7);
             for (int y = 0; y < s.height; ++y) {
               for (int x = 0; x < s.width; ++x) {
                 int16_t got;
@@ -139,9 +138,18 @@ TEST(AnalysisKernels, SignedArithmeticSaturatesAndRounds) {
   const struct {
     int a, b, scale, sum;
   } adds[] = {
-      {30000, 10000, 0, 32767}, {-30000, -10000, 0, -32768}, {1, 2, 1, 2},   {1, 0, 1, 0},
-      {-1, 0, 1, 0},            {5, 0, 1, 2},                 {7, 0, 1, 4},   {-3, 0, 1, -2},
-      {100, 0, 2, 25},          {6, 0, 2, 2},                 {10, 0, -1, 20}, {20000, 0, -1, 32767},
+      {30000, 10000, 0, 32767},
+      {-30000, -10000, 0, -32768},
+      {1, 2, 1, 2},
+      {1, 0, 1, 0},
+      {-1, 0, 1, 0},
+      {5, 0, 1, 2},
+      {7, 0, 1, 4},
+      {-3, 0, 1, -2},
+      {100, 0, 2, 25},
+      {6, 0, 2, 2},
+      {10, 0, -1, 20},
+      {20000, 0, -1, 32767},
   };
   for (auto t : adds) {
     Ipp16s a = Ipp16s(t.a), b = Ipp16s(t.b);
@@ -208,11 +216,11 @@ TEST(AnalysisKernels, BadArgumentsAnswerAStatus) {
       {"dilate null", ippiDilate3x3_8u_C1IR(nullptr, 1, {1, 1}), ippStsNullPtrErr},
       {"sobel mask", ippiFilterSobelVertBorder_8u16s_C1R(px, 4, out, 8, {4, 4}, IppiMaskSize(44), ippBorderRepl, 0, px),
        ippStsMaskSizeErr},
-      {"sobel border", ippiFilterSobelHorizBorder_8u16s_C1R(px, 4, out, 8, {4, 4}, ippMskSize3x3, IppiBorderType(9), 0,
-                                                            px),
+      {"sobel border",
+       ippiFilterSobelHorizBorder_8u16s_C1R(px, 4, out, 8, {4, 4}, ippMskSize3x3, IppiBorderType(9), 0, px),
        ippStsBorderErr},
-      {"sobel buffer", ippiFilterSobelVertBorder_8u16s_C1R(px, 4, out, 8, {4, 4}, ippMskSize3x3, ippBorderRepl, 0,
-                                                           nullptr),
+      {"sobel buffer",
+       ippiFilterSobelVertBorder_8u16s_C1R(px, 4, out, 8, {4, 4}, ippMskSize3x3, ippBorderRepl, 0, nullptr),
        ippStsNullPtrErr},
       {"query mask", ippiFilterSobelVertGetBufferSize_8u16s_C1R({4, 4}, IppiMaskSize(0), &n), ippStsMaskSizeErr},
       {"abs empty", ippiAbs_16s_C1IR(out, 2, {0, 0}), ippStsSizeErr},

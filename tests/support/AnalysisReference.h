@@ -34,7 +34,7 @@ inline std::vector<int> SobelReference(const std::vector<uint8_t>& image, int w,
                                        bool replicate, int value) {
   const std::vector<int> smooth = five ? std::vector<int>{1, 4, 6, 4, 1} : std::vector<int>{1, 2, 1};
   const std::vector<int> derive = five ? std::vector<int>{-1, -2, 0, 2, 1} : std::vector<int>{-1, 0, 1};
-  const std::vector<int>& down = verticalEdges ? smooth : derive;  // weight by row
+  const std::vector<int>& down = verticalEdges ? smooth : derive;    // weight by row
   const std::vector<int>& across = verticalEdges ? derive : smooth;  // weight by column
   const int half = five ? 2 : 1;
   std::vector<int> out(size_t(w) * h);

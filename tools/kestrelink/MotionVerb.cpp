@@ -1,6 +1,8 @@
 // kestrelink motion: the change between two grey frames, as the motion
 // detector finds it: difference, threshold, opening, and the counts, with
 // the opened mask written out.
+#include "MotionVerb.h"
+
 #include <kestrelink/CIppMotionDetector.h>
 
 #include <iostream>
@@ -9,7 +11,6 @@
 
 #include "Args.h"
 #include "FrameFile.h"
-#include "MotionVerb.h"
 #include "PngFile.h"
 #include "ToolError.h"
 

@@ -225,7 +225,11 @@ void DiffCols5(const int16_t* s, uint8_t* out, uint32_t n) {
 
 template <class T>
 void AbsDiff(const T* a, const T* b, T* out, uint32_t n) {
-  for (size_t i = 0; i < n; ++i) out[i] = T(std::max(a[i], b[i]) - std::min(a[i], b[i]));
+  // The larger less the smaller, in the samples' own width (no widening).
+  for (size_t i = 0; i < n; ++i) {
+    const T high = a[i] > b[i] ? a[i] : b[i], low = a[i] > b[i] ? b[i] : a[i];
+    out[i] = T(high - low);
+  }
 }
 
 void Abs16s(uint8_t* row, uint32_t n) {

@@ -7,6 +7,7 @@
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
 #include <kestrelink/CIppImageMirror.h>
+#include <kestrelink/CIppMotionDetector.h>
 #include <kestrelink/CIppImageRotate.h>
 #include <kestrelink/CIppImageWrapper.h>
 #include <kestrelink/CIppImageResize.h>

@@ -551,6 +551,32 @@ expect_refusal 2 "missing --to" resize --size 3x2 --layout mono8 "$work/m3x2.raw
 expect_refusal 1 "mono8 frame" resize --size 30x2 --layout mono8 --to 6x4 "$work/m3x2.raw" "$work/x.raw"
 expect_refusal 1 "no PNG form" resize --size 2x1 --layout yuv422 --to 4x4 "$work/m3x2.raw" "$work/x.png"
 
+# --- motion ---------------------------------------------------------------
+# B holds a 3 x 3 block of 100 at x 2..4, y 1..3 of an 8 x 6 frame; A is
+# black. The opening erodes from one row down (rows 1..5, its top row
+# replicated), leaving column 3 of rows 1 and 2, and dilates rows 0..4: 12
+# pixels. The Sobel ring around the block is 24 pixels.
+head -c 48 /dev/zero >"$work/still.raw"
+python3 -c "
+import sys
+b = bytearray(48)
+for y in range(1, 4):
+    b[8 * y + 2:8 * y + 5] = bytes([100] * 3)
+sys.stdout.buffer.write(bytes(b))" >"$work/moved.raw"
+"$tool" motion --size 8x6 "$work/still.raw" "$work/moved.raw" "$work/motion.raw" >"$work/motion.txt" ||
+  fail "motion: exit $?"
+grep -qx "changed pixels: 9 (mean difference 100)" "$work/motion.txt" || fail "motion: $(cat "$work/motion.txt")"
+grep -qx "after opening: 12" "$work/motion.txt" || fail "motion opening: $(cat "$work/motion.txt")"
+grep -qx "edge pixels of B: 24" "$work/motion.txt" || fail "motion edges: $(cat "$work/motion.txt")"
+expect_bytes "motion mask" "$work/motion.raw" \
+  "$( (printf '00 00 ff ff ff 00 00 00 %.0s' 1 2 3 4; printf '00 %.0s' {1..16}) | sed 's/ $//')"
+"$tool" motion --size 8x6 --threshold 101 "$work/still.raw" "$work/moved.raw" "$work/motion.png" >/dev/null ||
+  fail "motion to PNG: exit $?"
+expect_png "$work/motion.png" 8 6 8 0
+expect_refusal 2 "missing --size" motion "$work/still.raw" "$work/moved.raw" "$work/x.raw"
+expect_refusal 2 "--threshold" motion --size 8x6 --threshold 0 "$work/still.raw" "$work/moved.raw" "$work/x.raw"
+expect_refusal 1 "mono8 frame" motion --size 9x9 "$work/still.raw" "$work/moved.raw" "$work/x.raw"
+
 if ((failures)); then
   echo "$failures check(s) failed" >&2
   exit 1

@@ -4,6 +4,7 @@
 #include "GeometryVerbs.h"
 #include "JpegVerb.h"
 #include "MirrorRotateVerbs.h"
+#include "MotionVerb.h"
 #include "ResizeVerb.h"
 #include "Verbs.h"
 #include "WaveletVerb.h"
@@ -28,6 +29,8 @@ constexpr Verb kVerbs[] = {
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
     {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
+    {"motion", "find the change between two grey frames: difference, threshold, opening, counts", RunMotion,
+     PrintMotionUsage},
     {"resize", "scale a raw frame to another size (nearest, linear, cubic, Lanczos or area average)", RunResize,
      PrintResizeUsage},
     {"rotate", "turn a frame by any angle, right angles as exact copies", RunRotate, PrintRotateUsage},

@@ -1,0 +1,284 @@
+#pragma once
+// Body of the analysis row kernels, written once as plain loops for the
+// compiler to vectorise and built by each variant's unit with its own
+// instruction set. Sums and counts of bytes, which the compiler would widen
+// lane by lane, use the byte-sum instruction where the unit has one
+// (ANALYSIS_VECTOR_BYTES names its register width; 0 in the portable unit).
+// Everything stays in an anonymous namespace so that no variant's code is
+// shared with another's.
+#include <immintrin.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "primitives/AnalysisRows.h"
+
+#ifndef ANALYSIS_VECTOR_BYTES
+#error "ANALYSIS_VECTOR_BYTES must name the register width of the variant"
+#endif
+
+namespace kestrelink::analysis {
+namespace {
+
+// A signed 16-bit sample at any byte address.
+typedef int16_t Unaligned16 __attribute__((aligned(1), may_alias));
+
+inline const Unaligned16* S16(const uint8_t* p) { return reinterpret_cast<const Unaligned16*>(p); }
+inline Unaligned16* S16(uint8_t* p) { return reinterpret_cast<Unaligned16*>(p); }
+
+inline int16_t Saturate16(int v) { return int16_t(std::clamp(v, -32768, 32767)); }
+
+void RgbToGray8Plain(const uint8_t* rgb, uint8_t* dst, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    const uint8_t* p = rgb + 3 * size_t(i);
+    dst[i] = uint8_t((4899u * p[0] + 9617u * p[1] + 1868u * p[2] + 8192u) >> 14);
+  }
+}
+
+#if ANALYSIS_VECTOR_BYTES > 0
+// Eight pixels' weighted sums, shifted: each 128-bit lane holds four pixels
+// (12 of its 16 bytes), spread by the byte shuffle into (R, G) and (B, 1)
+// pairs of 16-bit lanes, which the multiply-add weighs and sums in 32 bits.
+inline __m256i Grey8Pixels(const uint8_t* p) {
+  const __m256i v = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(p + 12), reinterpret_cast<const __m128i*>(p));
+  const __m256i redGreen =
+      _mm256_shuffle_epi8(v, _mm256_setr_epi8(0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1,  //
+                                              0, -1, 1, -1, 3, -1, 4, -1, 6, -1, 7, -1, 9, -1, 10, -1));
+  const __m256i blueOne = _mm256_or_si256(
+      _mm256_shuffle_epi8(v, _mm256_setr_epi8(2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1,  //
+                                              2, -1, -1, -1, 5, -1, -1, -1, 8, -1, -1, -1, 11, -1, -1, -1)),
+      _mm256_set1_epi32(1 << 16));
+  const __m256i sum = _mm256_add_epi32(_mm256_madd_epi16(redGreen, _mm256_set1_epi32(4899 | (9617 << 16))),
+                                       _mm256_madd_epi16(blueOne, _mm256_set1_epi32(1868 | (8192 << 16))));
+  return _mm256_srli_epi32(sum, 14);
+}
+
+void RgbToGray8(const uint8_t* rgb, uint8_t* dst, uint32_t n) {
+  size_t i = 0;
+  // 32 pixels a step; the last eight-pixel load reads 4 bytes past its
+  // pixels, so a step needs 4 more bytes of the row after it.
+  for (; 3 * (i + 32) + 4 <= 3 * size_t(n); i += 32) {
+    const uint8_t* p = rgb + 3 * i;
+    const __m256i low = _mm256_packus_epi32(Grey8Pixels(p), Grey8Pixels(p + 24));
+    const __m256i high = _mm256_packus_epi32(Grey8Pixels(p + 48), Grey8Pixels(p + 72));
+    const __m256i bytes = _mm256_packus_epi16(low, high);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i),
+                        _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+  }
+  RgbToGray8Plain(rgb + 3 * i, dst + i, n - i);
+}
+#else
+void RgbToGray8(const uint8_t* rgb, uint8_t* dst, uint32_t n) { RgbToGray8Plain(rgb, dst, n); }
+#endif
+
+void RgbToGray16(const uint16_t* rgb, uint16_t* dst, uint32_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    const uint16_t* p = rgb + 3 * size_t(i);
+    dst[i] = uint16_t((4899u * p[0] + 9617u * p[1] + 1868u * p[2] + 8192u) >> 14);
+  }
+}
+
+#if ANALYSIS_VECTOR_BYTES > 0
+typedef uint8_t Bytes __attribute__((vector_size(ANALYSIS_VECTOR_BYTES)));
+constexpr uint32_t kLanes = ANALYSIS_VECTOR_BYTES;
+
+inline Bytes LoadBytes(const uint8_t* p) {
+  Bytes v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+
+// Sum of all bytes of the vector.
+inline uint64_t SumBytes(Bytes v) {
+#if ANALYSIS_VECTOR_BYTES == 64
+  return uint64_t(_mm512_reduce_add_epi64(_mm512_sad_epu8(__m512i(v), _mm512_setzero_si512())));
+#else
+  const __m256i s = _mm256_sad_epu8(__m256i(v), _mm256_setzero_si256());
+  return uint64_t(_mm256_extract_epi64(s, 0)) + uint64_t(_mm256_extract_epi64(s, 1)) +
+         uint64_t(_mm256_extract_epi64(s, 2)) + uint64_t(_mm256_extract_epi64(s, 3));
+#endif
+}
+
+// Byte sums gathered in 64-bit lanes, summed once at the end.
+#if ANALYSIS_VECTOR_BYTES == 64
+typedef __m512i SadLanes;
+inline SadLanes SadZero() { return _mm512_setzero_si512(); }
+inline SadLanes SadAdd(SadLanes acc, Bytes v) {
+  return _mm512_add_epi64(acc, _mm512_sad_epu8(__m512i(v), _mm512_setzero_si512()));
+}
+inline uint64_t SadTotal(SadLanes acc) { return uint64_t(_mm512_reduce_add_epi64(acc)); }
+#else
+typedef __m256i SadLanes;
+inline SadLanes SadZero() { return _mm256_setzero_si256(); }
+inline SadLanes SadAdd(SadLanes acc, Bytes v) {
+  return _mm256_add_epi64(acc, _mm256_sad_epu8(__m256i(v), _mm256_setzero_si256()));
+}
+inline uint64_t SadTotal(SadLanes acc) {
+  return uint64_t(_mm256_extract_epi64(acc, 0)) + uint64_t(_mm256_extract_epi64(acc, 1)) +
+         uint64_t(_mm256_extract_epi64(acc, 2)) + uint64_t(_mm256_extract_epi64(acc, 3));
+}
+#endif
+
+uint32_t CountInRange8(const uint8_t* row, uint32_t n, uint8_t lo, uint8_t hi) {
+  SadLanes acc = SadZero();
+  uint32_t i = 0;
+  while (i + kLanes <= n) {
+    // Up to 255 steps of one per lane, then the lanes go to the 64-bit sums.
+    Bytes ones = Bytes{};
+    const uint32_t steps = std::min<uint32_t>(255, (n - i) / kLanes);
+    for (uint32_t s = 0; s < steps; ++s, i += kLanes) {
+      const Bytes v = LoadBytes(row + i);
+      ones -= Bytes((v >= lo) & (v <= hi));  // a true lane is all ones, -1
+    }
+    acc = SadAdd(acc, ones);
+  }
+  uint32_t count = uint32_t(SadTotal(acc));
+  for (; i < n; ++i) count += row[i] >= lo && row[i] <= hi;
+  return count;
+}
+
+uint64_t Sum8(const uint8_t* row, uint32_t n) {
+  SadLanes acc = SadZero();
+  uint32_t i = 0;
+  for (; i + kLanes <= n; i += kLanes) acc = SadAdd(acc, LoadBytes(row + i));
+  uint64_t sum = SadTotal(acc);
+  for (; i < n; ++i) sum += row[i];
+  return sum;
+}
+#else
+uint32_t CountInRange8(const uint8_t* row, uint32_t n, uint8_t lo, uint8_t hi) {
+  uint32_t count = 0;
+  for (size_t i = 0; i < n; ++i) count += row[i] >= lo && row[i] <= hi;
+  return count;
+}
+
+uint64_t Sum8(const uint8_t* row, uint32_t n) {
+  uint64_t sum = 0;
+  for (size_t i = 0; i < n; ++i) sum += row[i];
+  return sum;
+}
+#endif
+
+uint64_t Sum16(const uint16_t* row, uint32_t n) {
+  uint64_t sum = 0;
+  // 65,536 samples fit a 32-bit sum, which the compiler keeps in vector lanes.
+  for (uint32_t i = 0; i < n;) {
+    const uint32_t end = std::min<uint32_t>(n, i + 65536);
+    uint32_t part = 0;
+    for (; i < end; ++i) part += row[i];
+    sum += part;
+  }
+  return sum;
+}
+
+template <class T>
+void Max3Cols(const T* in, T* out, uint32_t n) {
+  for (size_t i = 0; i < n; ++i) out[i] = std::max(std::max(in[i], in[i + 1]), in[i + 2]);
+}
+template <class T>
+void Min3Cols(const T* in, T* out, uint32_t n) {
+  for (size_t i = 0; i < n; ++i) out[i] = std::min(std::min(in[i], in[i + 1]), in[i + 2]);
+}
+template <class T>
+void Max3Rows(const T* a, const T* b, const T* c, T* out, uint32_t n) {
+  for (size_t i = 0; i < n; ++i) out[i] = std::max(std::max(a[i], b[i]), c[i]);
+}
+template <class T>
+void Min3Rows(const T* a, const T* b, const T* c, T* out, uint32_t n) {
+  for (size_t i = 0; i < n; ++i) out[i] = std::min(std::min(a[i], b[i]), c[i]);
+}
+
+void SmoothRows3(const uint8_t* const* r, int16_t* out, uint32_t n) {
+  const uint8_t *a = r[0], *b = r[1], *c = r[2];
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 2 * b[i] + c[i]);
+}
+void DiffRows3(const uint8_t* const* r, int16_t* out, uint32_t n) {
+  const uint8_t *a = r[0], *c = r[2];
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(c[i] - a[i]);
+}
+void SmoothRows5(const uint8_t* const* r, int16_t* out, uint32_t n) {
+  const uint8_t *a = r[0], *b = r[1], *c = r[2], *d = r[3], *e = r[4];
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(a[i] + 4 * (b[i] + d[i]) + 6 * c[i] + e[i]);
+}
+void DiffRows5(const uint8_t* const* r, int16_t* out, uint32_t n) {
+  const uint8_t *a = r[0], *b = r[1], *d = r[3], *e = r[4];
+  for (size_t i = 0; i < n; ++i) out[i] = int16_t(e[i] - a[i] + 2 * (d[i] - b[i]));
+}
+
+// The row passes stay within 16 bits: 5 x 5 sums reach 6 x 16 x 255 at most.
+void SmoothCols3(const int16_t* s, uint8_t* out, uint32_t n) {
+  Unaligned16* o = S16(out);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 2 * s[i + 1] + s[i + 2]);
+}
+void DiffCols3(const int16_t* s, uint8_t* out, uint32_t n) {
+  Unaligned16* o = S16(out);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 2] - s[i]);
+}
+void SmoothCols5(const int16_t* s, uint8_t* out, uint32_t n) {
+  Unaligned16* o = S16(out);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i] + 4 * (s[i + 1] + s[i + 3]) + 6 * s[i + 2] + s[i + 4]);
+}
+void DiffCols5(const int16_t* s, uint8_t* out, uint32_t n) {
+  Unaligned16* o = S16(out);
+  for (size_t i = 0; i < n; ++i) o[i] = int16_t(s[i + 4] - s[i] + 2 * (s[i + 3] - s[i + 1]));
+}
+
+template <class T>
+void AbsDiff(const T* a, const T* b, T* out, uint32_t n) {
+  // The larger less the smaller, in the samples' own width (no widening).
+  for (size_t i = 0; i < n; ++i) {
+    const T high = a[i] > b[i] ? a[i] : b[i], low = a[i] > b[i] ? b[i] : a[i];
+    out[i] = T(high - low);
+  }
+}
+
+void Abs16s(uint8_t* row, uint32_t n) {
+  Unaligned16* p = S16(row);
+  for (size_t i = 0; i < n; ++i) p[i] = Saturate16(std::abs(int(p[i])));
+}
+void AddSat16s(const uint8_t* a, uint8_t* b, uint32_t n) {
+  const Unaligned16* s = S16(a);
+  Unaligned16* d = S16(b);
+  for (size_t i = 0; i < n; ++i) d[i] = Saturate16(int(s[i]) + int(d[i]));
+}
+void Convert16s8u(const uint8_t* src, uint8_t* dst, uint32_t n) {
+  const Unaligned16* s = S16(src);
+  for (size_t i = 0; i < n; ++i) dst[i] = uint8_t(std::clamp(int(s[i]), 0, 255));
+}
+
+template <class T>
+void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
+  for (size_t i = 0; i < n; ++i) dst[i] = src[i] < threshold ? T(0) : full;
+}
+
+constexpr AnalysisRowKernels kBodyKernels = {
+    .rgbToGray8 = RgbToGray8,
+    .rgbToGray16 = RgbToGray16,
+    .countInRange8 = CountInRange8,
+    .sum8 = Sum8,
+    .sum16 = Sum16,
+    .max3Cols8 = Max3Cols<uint8_t>,
+    .min3Cols8 = Min3Cols<uint8_t>,
+    .min3Cols16 = Min3Cols<uint16_t>,
+    .max3Rows8 = Max3Rows<uint8_t>,
+    .min3Rows8 = Min3Rows<uint8_t>,
+    .min3Rows16 = Min3Rows<uint16_t>,
+    .smoothRows3 = SmoothRows3,
+    .diffRows3 = DiffRows3,
+    .smoothRows5 = SmoothRows5,
+    .diffRows5 = DiffRows5,
+    .smoothCols3 = SmoothCols3,
+    .diffCols3 = DiffCols3,
+    .smoothCols5 = SmoothCols5,
+    .diffCols5 = DiffCols5,
+    .absDiff8 = AbsDiff<uint8_t>,
+    .absDiff16 = AbsDiff<uint16_t>,
+    .abs16s = Abs16s,
+    .addSat16s = AddSat16s,
+    .convert16s8u = Convert16s8u,
+    .threshold8 = Threshold<uint8_t>,
+    .threshold16 = Threshold<uint16_t>,
+};
+
+}  // namespace
+}  // namespace kestrelink::analysis

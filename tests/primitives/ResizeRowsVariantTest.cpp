@@ -3,6 +3,7 @@
 // with the fourth sample kept and not, and guard samples after each output.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -165,6 +166,69 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8x4keep, n " << n;
     }
+  }
+}
+
+// Tables as a resize builds them: each tap's pixel rising along the row, at
+// steps of a reduction, a copy and an enlargement, so that the vector rows
+// that fetch a step's pixels from one window of the row meet windows that
+// fit, windows too wide, and the row's last bytes; rows are allocated to the
+// byte, so a read past them would fall outside the buffer.
+TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
+  std::mt19937 rng(31);
+  for (auto v : testsupport::RunnableVariants()) {
+    const ResizeRowKernels* k = Table(v);
+    if (!k || k == &kResizeRowsPortable) continue;
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    for (double step : {0.37, 0.5, 1.0, 1.5, 2.0, 3.0, 4.5, 9.0})
+      for (uint32_t pixels : {8u, 16u, 40u, 67u}) {
+        const int32_t width = int32_t(double(pixels) * step) + 3;
+        auto pixel = [&](uint32_t p, int k) { return std::clamp(int32_t(double(p) * step) + k - 1, 0, width - 1); };
+        for (int channels : {2, 3, 4}) {
+          const size_t rowBytes = size_t(width) * size_t(channels);
+          const std::vector<uint8_t> src = testsupport::RandomBytes(rowBytes, uint32_t(rowBytes));
+          if (channels == 2) {
+            std::vector<int32_t> off;
+            uint32_t vectorEnd = pixels;
+            for (uint32_t p = 0; p < pixels; ++p) {
+              off.push_back(pixel(p, 1) * 2);
+              if (size_t(off[p]) + 4 > rowBytes) vectorEnd = std::min(vectorEnd, p);
+            }
+            std::vector<uint8_t> want = testsupport::RandomBytes(2 * pixels, pixels), got = want;
+            kResizeRowsPortable.nn16(src.data(), off.data(), pixels, vectorEnd, want.data());
+            k->nn16(src.data(), off.data(), pixels, vectorEnd, got.data());
+            ASSERT_EQ(want, got) << "nn16, step " << step << ", pixels " << pixels;
+            continue;
+          }
+          for (int taps : {2, 3, 4, 6}) {
+            std::vector<int32_t> pixOff(size_t(taps) * pixels), pairs;
+            uint32_t blocks = pixels / 8;
+            for (int t = 0; t < taps; ++t)
+              for (uint32_t p = 0; p < pixels; ++p) {
+                const int32_t at = pixel(p, t) * channels;
+                pixOff[size_t(t) * pixels + p] = at;
+                if (size_t(at) + 4 > rowBytes) blocks = std::min(blocks, p / 8);
+              }
+            for (uint32_t i = 0; i < blocks * uint32_t((taps + 1) / 2) * 32; ++i)
+              pairs.push_back(int32_t(rng() % 9000) | int32_t(rng() % 9000) << 16);
+            std::vector<int16_t> want(size_t(8 * channels) * blocks + 8, 1), got = want;
+            kResizeRowsPortable.h8px4(src.data(), pixOff.data(), pixels, pairs.data(), taps, channels, blocks,
+                                      want.data());
+            k->h8px4(src.data(), pixOff.data(), pixels, pairs.data(), taps, channels, blocks, got.data());
+            want.resize(size_t(8 * channels) * blocks);
+            got.resize(want.size());
+            ASSERT_EQ(want, got) << "h8px4, step " << step << ", channels " << channels << ", taps " << taps;
+          }
+          if (channels == 4) {
+            std::vector<int32_t> off;
+            for (uint32_t p = 0; p < pixels; ++p) off.push_back(pixel(p, 1) * 4);
+            std::vector<uint8_t> want = testsupport::RandomBytes(4 * pixels, pixels), got = want;
+            kResizeRowsPortable.nn8x4keep(src.data(), off.data(), pixels, want.data());
+            k->nn8x4keep(src.data(), off.data(), pixels, got.data());
+            ASSERT_EQ(want, got) << "nn8x4keep, step " << step << ", pixels " << pixels;
+          }
+        }
+      }
   }
 }
 

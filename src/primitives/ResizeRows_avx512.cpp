@@ -2,13 +2,15 @@
 // vertical pass of 8-bit samples at 32 samples a step, and the rows that
 // fetch whole pixels (three- and four-channel 8-bit taps, nearest neighbour
 // of four-byte pixels and of 16-bit samples) through two-register permutes
-// of a 128-byte window of the source row where a step's taps fit one,
-// gathering only where they do not; all in the order and rounding of the
-// portable rows. The other rows are the AVX2 ones.
+// of a 128-byte window of the source row where a step's pixels fit one,
+// gathering only where they do not: AVX2 has no two-register permute. All
+// in the order and rounding of the portable rows; the other rows are the
+// AVX2 ones.
 #include <immintrin.h>
 
 #include <algorithm>
 
+#include "primitives/ResizeEngine.h"
 #include "primitives/ResizeRows.h"
 
 namespace kestrelink::resize {
@@ -59,34 +61,37 @@ inline bool Fits(__m512i rel, uint32_t span, uint32_t limit, int misaligned) {
          _mm512_test_epi32_mask(rel, _mm512_set1_epi32(misaligned)) == 0;
 }
 
-// The four bytes at each of 16 byte offsets of src, for pixels of
-// `channels` bytes: base and span are the lowest offset and the distance to
-// the highest.
-inline __m512i FetchPixels(const uint8_t* src, __m512i offsets, int32_t base, uint32_t span, int channels) {
+// The four-byte pixels at 16 byte offsets of src: base and span are the
+// lowest offset and the distance to the highest.
+inline __m512i FetchPixels(const uint8_t* src, __m512i offsets, int32_t base, uint32_t span) {
   const __m512i rel = _mm512_sub_epi32(offsets, _mm512_set1_epi32(base));
-  if (channels == 4 && Fits(rel, span, 124, 3)) {
-    const Window w = LoadWindow(src + base, span + 4);
-    return _mm512_permutex2var_epi32(w.lo, _mm512_srli_epi32(rel, 2), w.hi);
+  if (!Fits(rel, span, 124, 3)) return _mm512_i32gather_epi32(offsets, src, 1);
+  const Window w = LoadWindow(src + base, span + 4);
+  return _mm512_permutex2var_epi32(w.lo, _mm512_srli_epi32(rel, 2), w.hi);
+}
+
+// The four bytes of each of a pair's 16 lanes (PixelWindows): from the
+// window where it has one, else gathered at the lanes' offsets.
+inline __m512i FetchPair(const uint8_t* src, const int32_t* window, const int32_t* p0, const int32_t* p1,
+                         int channels) {
+  if (window[0] >= 0) {
+    const uint8_t* at = src + window[0];
+    const __m512i index = _mm512_loadu_si512(window + 1);
+    if (channels == 4) return _mm512_permutex2var_epi32(_mm512_loadu_si512(at), index, _mm512_loadu_si512(at + 64));
+    const __m512i even = _mm512_permutex2var_epi16(_mm512_loadu_si512(at), index, _mm512_loadu_si512(at + 64));
+    const __m512i odd = _mm512_permutex2var_epi16(_mm512_loadu_si512(at + 1), index, _mm512_loadu_si512(at + 65));
+    return _mm512_mask_blend_epi32(_mm512_test_epi32_mask(index, _mm512_set1_epi32(0x8000)), even, odd);
   }
-  if (channels == 3 && Fits(rel, span, 125, 0)) {
-    // Words of the window at base serve even offsets, those of the window
-    // one byte on serve odd ones.
-    const Window even = LoadWindow(src + base, std::min(span + 4, 128u));
-    const Window odd = LoadWindow(src + base + 1, span + 3);
-    const __m512i word = _mm512_srli_epi32(rel, 1);
-    const __m512i index = _mm512_or_si512(word, _mm512_slli_epi32(_mm512_add_epi32(word, _mm512_set1_epi32(1)), 16));
-    const __m512i a = _mm512_permutex2var_epi16(even.lo, index, even.hi);
-    const __m512i b = _mm512_permutex2var_epi16(odd.lo, index, odd.hi);
-    return _mm512_mask_blend_epi32(_mm512_test_epi32_mask(rel, _mm512_set1_epi32(1)), a, b);
-  }
+  // Lanes 2i and 2i+1: the two taps of pixel 0 4 1 5 2 6 3 7 [i].
+  const __m512i lanes = _mm512_setr_epi32(0, 16, 4, 20, 1, 17, 5, 21, 2, 18, 6, 22, 3, 19, 7, 23);
+  const __m512i offsets =
+      _mm512_permutex2var_epi32(_mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p0))),
+                                lanes, _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p1))));
   return _mm512_i32gather_epi32(offsets, src, 1);
 }
 
-void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
-           uint32_t blocks, int16_t* out) {
-  // Lanes 2i and 2i+1: taps 2t and 2t+1 of pixel 0 4 1 5 2 6 3 7 [i], the
-  // order of the weight table's vectors.
-  const __m512i pairLanes = _mm512_setr_epi32(0, 16, 4, 20, 1, 17, 5, 21, 2, 18, 6, 22, 3, 19, 7, 23);
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, const int32_t* windows,
+           int taps, int channels, uint32_t blocks, int16_t* out) {
   // A lane's two pixels interleaved byte by byte: (tap 2t, tap 2t+1) pairs.
   const __m512i interleave = _mm512_set4_epi32(0x0F0B0E0A, 0x0D090C08, 0x07030602, 0x05010400);
   // After the final pack pixel p's samples start at word 0 16 4 20 8 24 12 28 [p].
@@ -100,26 +105,23 @@ void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int
   for (uint32_t b = 0; b < blocks; ++b) {
     __m512i lo = round, hi = round;
     for (int t = 0; t < pairs; ++t) {
-      const int32_t* p0 = pixOff + size_t(2 * t) * pixels + 8 * b;
-      const int32_t* p1 = pixOff + size_t(std::min(2 * t + 1, taps - 1)) * pixels + 8 * b;
-      const __m512i offsets = _mm512_permutex2var_epi32(
-          _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p0))), pairLanes,
-          _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p1))));
-      // Offsets rise along a row; where they do not, the fetch gathers.
-      const int32_t base = std::min(p0[0], p1[0]);
-      const uint32_t span = uint32_t(std::max(p0[7], p1[7]) - base);
-      const __m512i bytes = _mm512_shuffle_epi8(FetchPixels(src, offsets, base, span, channels), interleave);
-      const int32_t* w = wpairs + (size_t(b) * pairs + t) * 32;
+      const size_t at = size_t(b) * pairs + t;
+      const __m512i bytes = _mm512_shuffle_epi8(
+          FetchPair(src, windows + at * kPixelWindowInts, pixOff + size_t(2 * t) * pixels + 8 * b,
+                    pixOff + size_t(std::min(2 * t + 1, taps - 1)) * pixels + 8 * b, channels),
+          interleave);
+      const int32_t* w = wpairs + at * 32;
       lo = _mm512_add_epi32(lo, _mm512_madd_epi16(_mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes)),
                                                   _mm512_loadu_si512(w)));
       hi = _mm512_add_epi32(hi, _mm512_madd_epi16(_mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(bytes, 1)),
                                                   _mm512_loadu_si512(w + 16)));
     }
-    const __m512i words = _mm512_packs_epi32(_mm512_srai_epi32(lo, 8), _mm512_srai_epi32(hi, 8));
+    const __m512i words = _mm512_permutexvar_epi16(order, _mm512_packs_epi32(_mm512_srai_epi32(lo, 8),
+                                                                             _mm512_srai_epi32(hi, 8)));
     if (channels == 4)
-      _mm512_storeu_si512(out + 32 * size_t(b), _mm512_permutexvar_epi16(order, words));
+      _mm512_storeu_si512(out + 32 * size_t(b), words);
     else
-      _mm512_mask_storeu_epi16(out + 24 * size_t(b), 0xFFFFFF, _mm512_permutexvar_epi16(order, words));
+      _mm512_mask_storeu_epi16(out + 24 * size_t(b), 0xFFFFFF, words);
   }
 }
 
@@ -127,7 +129,7 @@ void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst)
   uint32_t j = 0;
   for (; j + 16 <= n; j += 16) {
     const __m512i offsets = _mm512_loadu_si512(off + j);
-    const __m512i pixels = FetchPixels(src, offsets, off[j], uint32_t(off[j + 15] - off[j]), 4);
+    const __m512i pixels = FetchPixels(src, offsets, off[j], uint32_t(off[j + 15] - off[j]));
     _mm512_mask_storeu_epi8(dst + 4 * size_t(j), 0x7777777777777777ull, pixels);
   }
   NN8x4KeepPortable(src, off, j, n, dst);

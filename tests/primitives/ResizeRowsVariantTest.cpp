@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "primitives/ResizeEngine.h"
 #include "primitives/ResizeRows.h"
 #include "support/TestSupport.h"
 
@@ -155,8 +156,11 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
         for (int channels : {3, 4}) {
           // Three-sample rows may write two samples past the last block.
           std::vector<int16_t> pxWant(size_t(8 * channels) * blocks + 8, 1), pxGot = pxWant;
-          kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxWant.data());
-          k->h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxGot.data());
+          std::vector<int32_t> windows(size_t(blocks + 1) * uint32_t(taps) * kPixelWindowInts);
+          PixelWindows(pixOff.data(), n, taps, channels, blocks, src.size(), windows.data());
+          kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), windows.data(), taps, channels, blocks,
+                                    pxWant.data());
+          k->h8px4(src.data(), pixOff.data(), n, pairs.data(), windows.data(), taps, channels, blocks, pxGot.data());
           pxWant.resize(size_t(8 * channels) * blocks);
           pxGot.resize(pxWant.size());
           ASSERT_EQ(pxWant, pxGot) << "h8px4, channels " << channels << ", taps " << taps << ", blocks " << blocks;
@@ -212,9 +216,12 @@ TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
             for (uint32_t i = 0; i < blocks * uint32_t((taps + 1) / 2) * 32; ++i)
               pairs.push_back(int32_t(rng() % 9000) | int32_t(rng() % 9000) << 16);
             std::vector<int16_t> want(size_t(8 * channels) * blocks + 8, 1), got = want;
-            kResizeRowsPortable.h8px4(src.data(), pixOff.data(), pixels, pairs.data(), taps, channels, blocks,
-                                      want.data());
-            k->h8px4(src.data(), pixOff.data(), pixels, pairs.data(), taps, channels, blocks, got.data());
+            std::vector<int32_t> windows(size_t(blocks + 1) * uint32_t(taps) * kPixelWindowInts);
+            PixelWindows(pixOff.data(), pixels, taps, channels, blocks, rowBytes, windows.data());
+            kResizeRowsPortable.h8px4(src.data(), pixOff.data(), pixels, pairs.data(), windows.data(), taps, channels,
+                                      blocks, want.data());
+            k->h8px4(src.data(), pixOff.data(), pixels, pairs.data(), windows.data(), taps, channels, blocks,
+                     got.data());
             want.resize(size_t(8 * channels) * blocks);
             got.resize(want.size());
             ASSERT_EQ(want, got) << "h8px4, step " << step << ", channels " << channels << ", taps " << taps;

@@ -85,6 +85,36 @@ void SetTaps(RowTables& t, uint32_t j, const int32_t* idx, const double* w, int6
   t.wq[size_t(largest) * t.n + j] += int16_t((1 << kWeightBits) - sum);
 }
 
+void DropSilentTaps(RowTables& t) {
+  auto live = [&](uint32_t j) {
+    int n = 0;
+    for (int k = 0; k < t.taps; ++k) n += t.wq[size_t(k) * t.n + j] != 0;
+    return n;
+  };
+  int kept = std::min(2, t.taps);
+  for (uint32_t j = 0; j < t.n; ++j) kept = std::max(kept, live(j));
+  if (kept == t.taps) return;
+  for (uint32_t j = 0; j < t.n; ++j) {
+    int to = 0;
+    for (int k = 0; k < t.taps; ++k) {
+      const size_t at = size_t(k) * t.n + j, dst = size_t(to) * t.n + j;
+      if (t.wq[at] == 0) continue;
+      t.off[dst] = t.off[at];
+      t.wq[dst] = t.wq[at];
+      t.wf[dst] = t.wf[at];
+      ++to;
+    }
+    // A sample with fewer taps repeats its last pixel at weight 0.
+    for (; to < kept; ++to) {
+      const size_t dst = size_t(to) * t.n + j;
+      t.off[dst] = t.off[dst - t.n];
+      t.wq[dst] = 0;
+      t.wf[dst] = 0;
+    }
+  }
+  t.taps = kept;
+}
+
 void FindVectorEnd(RowTables& t, size_t rowBytes) {
   uint32_t end = t.n;
   for (int k = 0; k < t.taps; ++k)
@@ -202,14 +232,26 @@ void PixelWindows(const int32_t* pixOff, uint32_t pixels, int taps, int channels
 
 namespace {
 
-// The vertical weights of one output row in the form a sample type uses.
-inline const int16_t* Weights(Work& w, const int16_t*) {
-  QuantiseWeights(w.yW, w.ty, w.yQ);
-  return w.yQ;
+// The vertical weights of one output row in the form a sample type uses,
+// the taps that weigh exactly nothing left out (their rows add exactly 0);
+// sets w.yIdx to the rows of the taps kept, and `taps` to their number.
+template <class Weight>
+Weight* KeepWeighed(Work& w, Weight* weights, int& taps) {
+  taps = 0;
+  for (int k = 0; k < w.ty; ++k)
+    if (weights[k] != 0) {
+      w.yIdx[taps] = w.yIdx[k];
+      weights[taps++] = weights[k];
+    }
+  return weights;
 }
-inline const float* Weights(Work& w, const float*) {
+inline const int16_t* Weights(Work& w, const int16_t*, int& taps) {
+  QuantiseWeights(w.yW, w.ty, w.yQ);
+  return KeepWeighed(w, w.yQ, taps);
+}
+inline const float* Weights(Work& w, const float*, int& taps) {
   for (int k = 0; k < w.ty; ++k) w.yF[k] = float(w.yW[k]);
-  return w.yF;
+  return KeepWeighed(w, w.yF, taps);
 }
 
 }  // namespace
@@ -221,7 +263,9 @@ void RunFiltered(const RunRows& r, Work& w) {
   const RowTables& x = w.x;
   for (int64_t y = r.y0; y < r.y0 + r.rows; ++y) {
     AxisTaps(r.y, y, w.yIdx, w.yW);
-    for (int t = 0; t < w.ty; ++t) {
+    int taps = 0;
+    const auto* weights = Weights(w, static_cast<const Row*>(nullptr), taps);
+    for (int t = 0; t < taps; ++t) {
       const int32_t row = w.yIdx[t];
       const int slot = row % w.ty;
       if (w.tags[slot] != row) {
@@ -248,13 +292,12 @@ void RunFiltered(const RunRows& r, Work& w) {
       }
       w.rows[t] = w.slots[slot];
     }
-    const auto* weights = Weights(w, static_cast<const Row*>(nullptr));
     const Row* const* rows = reinterpret_cast<const Row* const*>(w.rows);
     uint8_t* out = r.dst + r.dstStep * y;
     if constexpr (sizeof(Sample) == 1)
-      k.v8(rows, weights, w.ty, x.n, r.keepFourth, out);
+      k.v8(rows, weights, taps, x.n, r.keepFourth, out);
     else
-      k.v16(rows, weights, w.ty, x.n, r.keepFourth, reinterpret_cast<uint16_t*>(out));
+      k.v16(rows, weights, taps, x.n, r.keepFourth, reinterpret_cast<uint16_t*>(out));
   }
 }
 

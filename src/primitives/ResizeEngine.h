@@ -62,6 +62,12 @@ struct Work {
 };
 Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty);
 
+// Leaves out of 8-bit tables the taps whose fixed-point weight is 0 (the
+// slivers of an area span that ends a hair past a pixel's edge, the
+// padding of short spans), keeping at least two taps: the integer sums are
+// the same, with less to add.
+void DropSilentTaps(RowTables& t);
+
 // Sets w.x.vectorEnd for source rows of rowBytes bytes.
 void FindVectorEnd(RowTables& t, size_t rowBytes);
 

@@ -188,9 +188,23 @@ TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
       for (uint32_t pixels : {8u, 16u, 40u, 67u}) {
         const int32_t width = int32_t(double(pixels) * step) + 3;
         auto pixel = [&](uint32_t p, int k) { return std::clamp(int32_t(double(p) * step) + k - 1, 0, width - 1); };
-        for (int channels : {2, 3, 4}) {
+        for (int channels : {1, 2, 3, 4}) {
           const size_t rowBytes = size_t(width) * size_t(channels);
           const std::vector<uint8_t> src = testsupport::RandomBytes(rowBytes, uint32_t(rowBytes));
+          if (channels == 1) {
+            // Four-byte windows of one-byte samples, the last ones at the row's end.
+            std::vector<int32_t> win, w01, w23;
+            for (uint32_t p = 0; p < pixels; ++p) {
+              win.push_back(std::min(pixel(p, 0), width - 4));
+              w01.push_back(int32_t(rng()));
+              w23.push_back(int32_t(rng()));
+            }
+            std::vector<int16_t> want(pixels + 8, 3), got = want;
+            kResizeRowsPortable.h8win(src.data(), win.data(), w01.data(), w23.data(), pixels, want.data());
+            k->h8win(src.data(), win.data(), w01.data(), w23.data(), pixels, got.data());
+            ASSERT_EQ(want, got) << "h8win, step " << step << ", pixels " << pixels;
+            continue;
+          }
           if (channels == 2) {
             std::vector<int32_t> off;
             uint32_t vectorEnd = pixels;

@@ -37,7 +37,10 @@ void V8(const int16_t* const* rows, const int16_t* w, int taps, uint32_t n, bool
     // the byte pack leaves each lane's 8 bytes twice, gathered here.
     const __m512i words = _mm512_packs_epi32(_mm512_srai_epi32(lo, 20), _mm512_srai_epi32(hi, 20));
     const __m512i bytes = _mm512_permutexvar_epi64(order, _mm512_packus_epi16(words, words));
-    _mm256_mask_storeu_epi8(dst + j, write, _mm512_castsi512_si256(bytes));
+    if (keepFourth)
+      _mm256_mask_storeu_epi8(dst + j, write, _mm512_castsi512_si256(bytes));
+    else
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + j), _mm512_castsi512_si256(bytes));
   }
   V8Portable(rows, w, taps, j, n, keepFourth, dst);
 }

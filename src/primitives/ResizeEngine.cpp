@@ -199,7 +199,7 @@ void GatherPixels(RowTables& t, int channels, size_t rowBytes) {
 
 void PixelWindows(const int32_t* pixOff, uint32_t pixels, int taps, int channels, uint32_t blocks, size_t rowBytes,
                   int32_t* windows) {
-  static constexpr uint32_t kOrder[8] = {0, 4, 1, 5, 2, 6, 3, 7};
+  static constexpr uint32_t kOrder[8] = {0, 2, 4, 6, 1, 3, 5, 7};
   const int pairs = (taps + 1) / 2;
   // Three-byte pixels read the window and the one a byte on.
   const int64_t reach = kPixelWindowBytes + (channels == 4 ? 0 : 1);

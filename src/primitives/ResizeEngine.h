@@ -88,7 +88,7 @@ void GatherPixels(RowTables& t, int channels, size_t rowBytes);
 // rows take them: per block and pair kPixelWindowInts values, the window's
 // byte offset (-1 where the pixels do not fit one that lies inside the row,
 // and the rows gather), then per lane the pixel's place in the window, lanes
-// 2i and 2i+1 the pair's two taps of pixel 0 4 1 5 2 6 3 7 [i]. Four-byte
+// 2i and 2i+1 the pair's two taps of pixel 0 2 4 6 1 3 5 7 [i]. Four-byte
 // pixels: the index of the pixel's 32-bit word. Three-byte pixels: the
 // 16-bit words h and h + 1 of the window at the offset (even) or one byte on
 // (odd; bit 15 set), h half the distance from the offset.

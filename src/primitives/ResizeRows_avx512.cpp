@@ -85,8 +85,8 @@ inline __m512i FetchPair(const uint8_t* src, const int32_t* window, const int32_
     const __m512i odd = _mm512_permutex2var_epi16(_mm512_loadu_si512(at + 1), index, _mm512_loadu_si512(at + 65));
     return _mm512_mask_blend_epi32(_mm512_test_epi32_mask(index, _mm512_set1_epi32(0x8000)), even, odd);
   }
-  // Lanes 2i and 2i+1: the two taps of pixel 0 4 1 5 2 6 3 7 [i].
-  const __m512i lanes = _mm512_setr_epi32(0, 16, 4, 20, 1, 17, 5, 21, 2, 18, 6, 22, 3, 19, 7, 23);
+  // Lanes 2i and 2i+1: the two taps of pixel 0 2 4 6 1 3 5 7 [i].
+  const __m512i lanes = _mm512_setr_epi32(0, 16, 2, 18, 4, 20, 6, 22, 1, 17, 3, 19, 5, 21, 7, 23);
   const __m512i offsets =
       _mm512_permutex2var_epi32(_mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p0))),
                                 lanes, _mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p1))));
@@ -95,8 +95,12 @@ inline __m512i FetchPair(const uint8_t* src, const int32_t* window, const int32_
 
 void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, const int32_t* windows,
            int taps, int channels, uint32_t blocks, int16_t* out) {
-  // A lane's two pixels interleaved byte by byte: (tap 2t, tap 2t+1) pairs.
-  const __m512i interleave = _mm512_set4_epi32(0x0F0B0E0A, 0x0D090C08, 0x07030602, 0x05010400);
+  // The (tap 2t, tap 2t+1) sample pairs of a lane's first pixel, and of its
+  // second, as 16-bit words: pixels 0 4 1 5, then 2 6 3 7, the order of the
+  // weight table's vectors.
+  constexpr char Z = -1;
+  const __m512i first = _mm512_broadcast_i32x4(_mm_setr_epi8(0, Z, 4, Z, 1, Z, 5, Z, 2, Z, 6, Z, 3, Z, 7, Z));
+  const __m512i second = _mm512_broadcast_i32x4(_mm_setr_epi8(8, Z, 12, Z, 9, Z, 13, Z, 10, Z, 14, Z, 11, Z, 15, Z));
   // After the final pack pixel p's samples start at word 0 16 4 20 8 24 12 28 [p].
   alignas(64) static constexpr int16_t kFour[32] = {0, 1, 2,  3,  16, 17, 18, 19, 4,  5,  6,  7,  20, 21, 22, 23,
                                                     8, 9, 10, 11, 24, 25, 26, 27, 12, 13, 14, 15, 28, 29, 30, 31};
@@ -109,15 +113,12 @@ void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int
     __m512i lo = round, hi = round;
     for (int t = 0; t < pairs; ++t) {
       const size_t at = size_t(b) * pairs + t;
-      const __m512i bytes = _mm512_shuffle_epi8(
+      const __m512i pixels16 =
           FetchPair(src, windows + at * kPixelWindowInts, pixOff + size_t(2 * t) * pixels + 8 * b,
-                    pixOff + size_t(std::min(2 * t + 1, taps - 1)) * pixels + 8 * b, channels),
-          interleave);
+                    pixOff + size_t(std::min(2 * t + 1, taps - 1)) * pixels + 8 * b, channels);
       const int32_t* w = wpairs + at * 32;
-      lo = _mm512_add_epi32(lo, _mm512_madd_epi16(_mm512_cvtepu8_epi16(_mm512_castsi512_si256(bytes)),
-                                                  _mm512_loadu_si512(w)));
-      hi = _mm512_add_epi32(hi, _mm512_madd_epi16(_mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(bytes, 1)),
-                                                  _mm512_loadu_si512(w + 16)));
+      lo = _mm512_add_epi32(lo, _mm512_madd_epi16(_mm512_shuffle_epi8(pixels16, first), _mm512_loadu_si512(w)));
+      hi = _mm512_add_epi32(hi, _mm512_madd_epi16(_mm512_shuffle_epi8(pixels16, second), _mm512_loadu_si512(w + 16)));
     }
     const __m512i words = _mm512_permutexvar_epi16(order, _mm512_packs_epi32(_mm512_srai_epi32(lo, 8),
                                                                              _mm512_srai_epi32(hi, 8)));

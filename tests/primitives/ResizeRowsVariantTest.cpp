@@ -20,6 +20,17 @@ const ResizeRowKernels* Table(kestrelink::CpuVariant v) {
   return tables[v];
 }
 
+// Runs body(table) for the table of every vector variant this machine runs.
+template <class Body>
+void ForEachVectorTable(Body body) {
+  for (auto v : testsupport::RunnableVariants()) {
+    const ResizeRowKernels* k = Table(v);
+    if (!k || k == &kResizeRowsPortable) continue;
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    body(k);
+  }
+}
+
 // Horizontal tables of `taps` taps for n samples over a source row of
 // rowBytes; weights of any sign, as the cubic and Lanczos lobes have.
 struct Tables {
@@ -43,10 +54,7 @@ Tables RandomTables(int taps, uint32_t n, size_t rowBytes, size_t sampleBytes, s
 
 TEST(ResizeRowsVariants, HorizontalRowsMatchThePortableRows) {
   std::mt19937 rng(17);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (int taps : {1, 2, 3, 4, 6, 9})
       for (uint32_t n = 0; n <= 70; n += 1 + n / 8) {
         const std::vector<uint8_t> src = testsupport::RandomBytes(96, n + 3);
@@ -60,15 +68,12 @@ TEST(ResizeRowsVariants, HorizontalRowsMatchThePortableRows) {
         k->h16(src.data(), t16.off.data(), t16.wf.data(), taps, n, t16.vectorEnd, got16.data());
         ASSERT_EQ(want16, got16) << "h16, taps " << taps << ", n " << n;
       }
-  }
+  });
 }
 
 TEST(ResizeRowsVariants, VerticalRowsMatchThePortableRows) {
   std::mt19937 rng(23);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (int taps : {1, 2, 3, 4, 5, 6, 11})
       for (uint32_t n = 0; n <= 80; n += 1 + n / 8)
         for (bool keepFourth : {false, true}) {
@@ -99,15 +104,12 @@ TEST(ResizeRowsVariants, VerticalRowsMatchThePortableRows) {
           k->v16(p16.data(), w16.data(), taps, n, keepFourth, got16.data());
           ASSERT_EQ(want16, got16) << "v16, taps " << taps << ", n " << n << ", keepFourth " << keepFourth;
         }
-  }
+  });
 }
 
 TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
   std::mt19937 rng(29);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (uint32_t n = 0; n <= 70; n += 1 + n / 8) {
       const std::vector<uint8_t> src = testsupport::RandomBytes(64, n + 5);
       std::vector<int32_t> win, w01, w23, off, off4;
@@ -170,7 +172,7 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8x4keep, n " << n;
     }
-  }
+  });
 }
 
 // Tables as a resize builds them: each tap's pixel rising along the row, at
@@ -180,10 +182,7 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
 // byte, so a read past them would fall outside the buffer.
 TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
   std::mt19937 rng(31);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (double step : {0.37, 0.5, 1.0, 1.5, 2.0, 3.0, 4.5, 9.0})
       for (uint32_t pixels : {8u, 16u, 40u, 67u}) {
         const int32_t width = int32_t(double(pixels) * step) + 3;
@@ -250,7 +249,7 @@ TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
           }
         }
       }
-  }
+  });
 }
 
 }  // namespace

@@ -17,14 +17,14 @@ constexpr size_t kAlign = 64;
 inline size_t Up(size_t bytes) { return (bytes + kAlign - 1) / kAlign * kAlign; }
 
 // Sizes of the buffer's parts, in carving order.
-constexpr int kParts = 17;
+constexpr int kParts = 18;
 struct Parts {
   size_t sizes[kParts];
 };
 Parts PartSizes(uint32_t n, int tx, int ty) {
   const size_t xs = size_t(n) * size_t(tx), ys = size_t(ty);
   return {{xs * 4, xs * 2, xs * 4, ys * 4, ys * 8, ys * 2, ys * 4, ys * 8, ys * sizeof(void*), ys * sizeof(void*),
-           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, xs * 4, xs * 4, size_t(n) * 16}};
+           ys * size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, size_t(n) * 4, xs * 4, xs * 4, size_t(n) * 16, xs * 4}};
 }
 
 }  // namespace
@@ -55,7 +55,7 @@ Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty) {
   w.x = {reinterpret_cast<int32_t*>(p[0]), reinterpret_cast<int16_t*>(p[1]), reinterpret_cast<float*>(p[2]), n, tx, 0,
          false, reinterpret_cast<int32_t*>(p[11]), reinterpret_cast<int32_t*>(p[12]), reinterpret_cast<int32_t*>(p[13]),
          false, reinterpret_cast<int32_t*>(p[14]), reinterpret_cast<int32_t*>(p[15]), 4, 0,
-         0, reinterpret_cast<float*>(p[16])};
+         reinterpret_cast<int32_t*>(p[17]), 0, reinterpret_cast<float*>(p[16])};
   w.ty = ty;
   w.yIdx = reinterpret_cast<int32_t*>(p[3]);
   w.yW = reinterpret_cast<double*>(p[4]);
@@ -83,6 +83,36 @@ void SetTaps(RowTables& t, uint32_t j, const int32_t* idx, const double* w, int6
     if (w[k] > w[largest]) largest = k;
   }
   t.wq[size_t(largest) * t.n + j] += int16_t((1 << kWeightBits) - sum);
+}
+
+void DropSilentTaps(RowTables& t) {
+  auto live = [&](uint32_t j) {
+    int n = 0;
+    for (int k = 0; k < t.taps; ++k) n += t.wq[size_t(k) * t.n + j] != 0;
+    return n;
+  };
+  int kept = std::min(2, t.taps);
+  for (uint32_t j = 0; j < t.n; ++j) kept = std::max(kept, live(j));
+  if (kept == t.taps) return;
+  for (uint32_t j = 0; j < t.n; ++j) {
+    int to = 0;
+    for (int k = 0; k < t.taps; ++k) {
+      const size_t at = size_t(k) * t.n + j, dst = size_t(to) * t.n + j;
+      if (t.wq[at] == 0) continue;
+      t.off[dst] = t.off[at];
+      t.wq[dst] = t.wq[at];
+      t.wf[dst] = t.wf[at];
+      ++to;
+    }
+    // A sample with fewer taps repeats its last pixel at weight 0.
+    for (; to < kept; ++to) {
+      const size_t dst = size_t(to) * t.n + j;
+      t.off[dst] = t.off[dst - t.n];
+      t.wq[dst] = 0;
+      t.wf[dst] = 0;
+    }
+  }
+  t.taps = kept;
 }
 
 void FindVectorEnd(RowTables& t, size_t rowBytes) {
@@ -161,19 +191,67 @@ void GatherPixels(RowTables& t, int channels, size_t rowBytes) {
           const uint32_t high = k1 < t.taps ? weight(k1, sample) : 0;
           t.wpairs[((size_t(b) * pairs + pair) * 4 + v) * 8 + lane] = int32_t(weight(k0, sample) | high << 16);
         }
+  // Blocks of 8 pixels of 3 or 4 samples, pairs of taps: fewer than n * taps
+  // values, the size of the part.
+  PixelWindows(t.pixOff, pixels, t.taps, channels, t.pixBlocks, rowBytes, t.pixWindows);
   t.pix4 = true;
+}
+
+void PixelWindows(const int32_t* pixOff, uint32_t pixels, int taps, int channels, uint32_t blocks, size_t rowBytes,
+                  int32_t* windows) {
+  static constexpr uint32_t kOrder[8] = {0, 2, 4, 6, 1, 3, 5, 7};
+  const int pairs = (taps + 1) / 2;
+  // Three-byte pixels read the window and the one a byte on.
+  const int64_t reach = kPixelWindowBytes + (channels == 4 ? 0 : 1);
+  for (uint32_t b = 0; b < blocks; ++b)
+    for (int t = 0; t < pairs; ++t) {
+      int32_t* w = windows + (size_t(b) * pairs + t) * kPixelWindowInts;
+      const int k[2] = {2 * t, std::min(2 * t + 1, taps - 1)};
+      int64_t lo = INT64_MAX, hi = INT64_MIN;
+      for (int lane = 0; lane < 16; ++lane) {
+        const int64_t at = pixOff[size_t(k[lane % 2]) * pixels + 8 * b + kOrder[lane / 2]];
+        lo = std::min(lo, at);
+        hi = std::max(hi, at);
+      }
+      // The window starts at the lowest offset, earlier near the row's end.
+      const int64_t base = std::min(lo, int64_t(rowBytes) - reach);
+      bool fits = base >= 0 && hi + 4 - base <= kPixelWindowBytes + (channels == 4 ? 0 : 1);
+      for (int lane = 0; lane < 16 && fits; ++lane) {
+        const int64_t rel = pixOff[size_t(k[lane % 2]) * pixels + 8 * b + kOrder[lane / 2]] - base;
+        if (channels == 4) {
+          fits = rel % 4 == 0;
+          w[1 + lane] = int32_t(rel / 4);
+        } else {
+          const int32_t h = int32_t(rel / 2);
+          w[1 + lane] = h | (h + 1) << 16 | int32_t(rel % 2) << 15;
+        }
+      }
+      w[0] = fits ? int32_t(base) : -1;
+    }
 }
 
 namespace {
 
-// The vertical weights of one output row in the form a sample type uses.
-inline const int16_t* Weights(Work& w, const int16_t*) {
-  QuantiseWeights(w.yW, w.ty, w.yQ);
-  return w.yQ;
+// The vertical weights of one output row in the form a sample type uses,
+// the taps that weigh exactly nothing left out (their rows add exactly 0);
+// sets w.yIdx to the rows of the taps kept, and `taps` to their number.
+template <class Weight>
+Weight* KeepWeighed(Work& w, Weight* weights, int& taps) {
+  taps = 0;
+  for (int k = 0; k < w.ty; ++k)
+    if (weights[k] != 0) {
+      w.yIdx[taps] = w.yIdx[k];
+      weights[taps++] = weights[k];
+    }
+  return weights;
 }
-inline const float* Weights(Work& w, const float*) {
+inline const int16_t* Weights(Work& w, const int16_t*, int& taps) {
+  QuantiseWeights(w.yW, w.ty, w.yQ);
+  return KeepWeighed(w, w.yQ, taps);
+}
+inline const float* Weights(Work& w, const float*, int& taps) {
   for (int k = 0; k < w.ty; ++k) w.yF[k] = float(w.yW[k]);
-  return w.yF;
+  return KeepWeighed(w, w.yF, taps);
 }
 
 }  // namespace
@@ -185,7 +263,9 @@ void RunFiltered(const RunRows& r, Work& w) {
   const RowTables& x = w.x;
   for (int64_t y = r.y0; y < r.y0 + r.rows; ++y) {
     AxisTaps(r.y, y, w.yIdx, w.yW);
-    for (int t = 0; t < w.ty; ++t) {
+    int taps = 0;
+    const auto* weights = Weights(w, static_cast<const Row*>(nullptr), taps);
+    for (int t = 0; t < taps; ++t) {
       const int32_t row = w.yIdx[t];
       const int slot = row % w.ty;
       if (w.tags[slot] != row) {
@@ -196,7 +276,7 @@ void RunFiltered(const RunRows& r, Work& w) {
             k.h8win(s, x.win, x.w01, x.w23, x.n, out);
           } else if (x.pix4) {
             const uint32_t pixels = x.n / uint32_t(x.pixChannels);
-            k.h8px4(s, x.pixOff, pixels, x.wpairs, x.taps, x.pixChannels, x.pixBlocks, out);
+            k.h8px4(s, x.pixOff, pixels, x.wpairs, x.pixWindows, x.taps, x.pixChannels, x.pixBlocks, out);
             H8Portable(s, x.off, x.wq, x.taps, x.n, 8 * x.pixBlocks * uint32_t(x.pixChannels), out);
           } else {
             k.h8(s, x.off, x.wq, x.taps, x.n, x.vectorEnd, out);
@@ -212,13 +292,12 @@ void RunFiltered(const RunRows& r, Work& w) {
       }
       w.rows[t] = w.slots[slot];
     }
-    const auto* weights = Weights(w, static_cast<const Row*>(nullptr));
     const Row* const* rows = reinterpret_cast<const Row* const*>(w.rows);
     uint8_t* out = r.dst + r.dstStep * y;
     if constexpr (sizeof(Sample) == 1)
-      k.v8(rows, weights, w.ty, x.n, r.keepFourth, out);
+      k.v8(rows, weights, taps, x.n, r.keepFourth, out);
     else
-      k.v16(rows, weights, w.ty, x.n, r.keepFourth, reinterpret_cast<uint16_t*>(out));
+      k.v16(rows, weights, taps, x.n, r.keepFourth, reinterpret_cast<uint16_t*>(out));
   }
 }
 

@@ -40,6 +40,7 @@ struct RowTables {
   int32_t* wpairs;
   int pixChannels;
   uint32_t pixBlocks;
+  int32_t* pixWindows;  // PixelWindows of the pixBlocks blocks
   // One-channel 16-bit rows whose taps fit windowWidth samples from win[j],
   // the weights folded onto them in wwin (ResizeRowKernels::h16win).
   int windowWidth;
@@ -61,6 +62,12 @@ struct Work {
 };
 Work CarveWork(uint8_t* buffer, uint32_t n, int tx, int ty);
 
+// Leaves out of 8-bit tables the taps whose fixed-point weight is 0 (the
+// slivers of an area span that ends a hair past a pixel's edge, the
+// padding of short spans), keeping at least two taps: the integer sums are
+// the same, with less to add.
+void DropSilentTaps(RowTables& t);
+
 // Sets w.x.vectorEnd for source rows of rowBytes bytes.
 void FindVectorEnd(RowTables& t, size_t rowBytes);
 
@@ -75,6 +82,20 @@ void FoldWindows16(RowTables& t, size_t rowBytes);
 // Lays out the taps of pixels of `channels` one-byte samples (3 or 4) for
 // gathering four bytes a pixel inside rows of rowBytes, and sets t.pix4.
 void GatherPixels(RowTables& t, int channels, size_t rowBytes);
+
+// Where each pair of taps (2t, 2t+1) of each block of 8 pixels may fetch its
+// 16 pixels from one window of kPixelWindowBytes of the row, as the AVX-512
+// rows take them: per block and pair kPixelWindowInts values, the window's
+// byte offset (-1 where the pixels do not fit one that lies inside the row,
+// and the rows gather), then per lane the pixel's place in the window, lanes
+// 2i and 2i+1 the pair's two taps of pixel 0 2 4 6 1 3 5 7 [i]. Four-byte
+// pixels: the index of the pixel's 32-bit word. Three-byte pixels: the
+// 16-bit words h and h + 1 of the window at the offset (even) or one byte on
+// (odd; bit 15 set), h half the distance from the offset.
+inline constexpr int kPixelWindowBytes = 128;
+inline constexpr int kPixelWindowInts = 17;
+void PixelWindows(const int32_t* pixOff, uint32_t pixels, int taps, int channels, uint32_t blocks, size_t rowBytes,
+                  int32_t* windows);
 
 // Output rows y0 .. y0+rows-1 (absolute destination rows): dstRow(y) is the
 // first output sample of row y; src + r * srcStep is source row r, of

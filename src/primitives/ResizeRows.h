@@ -52,8 +52,10 @@ struct ResizeRowKernels {
   // pair four vectors of 8 lanes: vector v holds pixels v and v+4, four
   // lanes each. Three-channel rows write three samples a pixel (and may
   // write two samples past the block, which the next one overwrites).
-  void (*h8px4)(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps,
-                int channels, uint32_t blocks, int16_t* out);
+  // `windows` (PixelWindows) may serve a variant's fetch of a pair's pixels
+  // from one window of the row; the samples are those of pixOff either way.
+  void (*h8px4)(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs,
+                const int32_t* windows, int taps, int channels, uint32_t blocks, int16_t* out);
 };
 
 extern const ResizeRowKernels kResizeRowsPortable;

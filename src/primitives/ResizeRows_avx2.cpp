@@ -179,8 +179,8 @@ void NN8x4Keep(const uint8_t* src, const int32_t* off, uint32_t n, uint8_t* dst)
   NN8x4KeepPortable(src, off, j, n, dst);
 }
 
-void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
-           uint32_t blocks, int16_t* out) {
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, const int32_t*, int taps,
+           int channels, uint32_t blocks, int16_t* out) {
   // Three samples of each of a lane's two pixels, then four spare bytes.
   const __m256i three = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, Z, Z, Z, Z,  //
                                          0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, Z, Z, Z, Z);

@@ -111,8 +111,8 @@ namespace {
 void H8Win(const uint8_t* src, const int32_t* win, const int32_t* w01, const int32_t* w23, uint32_t n, int16_t* out) {
   H8WinPortable(src, win, w01, w23, 0, n, out);
 }
-void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, int taps, int channels,
-           uint32_t blocks, int16_t* out) {
+void H8Px4(const uint8_t* src, const int32_t* pixOff, uint32_t pixels, const int32_t* wpairs, const int32_t*, int taps,
+           int channels, uint32_t blocks, int16_t* out) {
   H8Px4Portable(src, pixOff, pixels, wpairs, taps, channels, 0, blocks, out);
 }
 void H16Win(const uint8_t* src, const int32_t* win, const float* wf, int width, uint32_t n, float* out) {

@@ -52,6 +52,7 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
       SetTaps(work.x, uint32_t(i * channels + c), tapIdx, tapW, pixelBytes, c * int64_t(sizeof(Sample)));
   }
   const size_t srcRowBytes = size_t(srcSize.width) * size_t(pixelBytes);
+  if (sizeof(Sample) == 1 && kind != IPPI_INTER_NN) DropSilentTaps(work.x);
   FindVectorEnd(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels == 1) FoldWindows(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels > 1) GatherPixels(work.x, channels, srcRowBytes);

@@ -49,6 +49,7 @@ IppStatus ResizeYUV422Region(const Ipp8u* pSrc, IppiSize srcSize, int srcStep, I
     if (4 * int64_t(p) + 3 < samples) SetTaps(work.x, uint32_t(4 * p + 3), idx.data(), w.data(), 4, 3);
   }
   const size_t srcRowBytes = size_t(srcSize.width) * 2;
+  if (kind != IPPI_INTER_NN) DropSilentTaps(work.x);
   FindVectorEnd(work.x, srcRowBytes);
   const RunRows rows{pSrc, srcStep, srcRowBytes, pDst + int64_t(dstRoi.x) * 2, dstStep, dstRoi.y, dstRoi.height,
                      AxisMap{kind, yFactor, 0.0, double(srcRoi.y), y0, y1, ty}, false};

@@ -3,9 +3,11 @@
 // with the fourth sample kept and not, and guard samples after each output.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
+#include "primitives/ResizeEngine.h"
 #include "primitives/ResizeRows.h"
 #include "support/TestSupport.h"
 
@@ -16,6 +18,17 @@ using namespace kestrelink::resize;
 const ResizeRowKernels* Table(kestrelink::CpuVariant v) {
   const ResizeRowKernels* tables[] = {&kResizeRowsPortable, nullptr, nullptr, &kResizeRowsAVX2, &kResizeRowsAVX512};
   return tables[v];
+}
+
+// Runs body(table) for the table of every vector variant this machine runs.
+template <class Body>
+void ForEachVectorTable(Body body) {
+  for (auto v : testsupport::RunnableVariants()) {
+    const ResizeRowKernels* k = Table(v);
+    if (!k || k == &kResizeRowsPortable) continue;
+    SCOPED_TRACE(kestrelink::VariantName(v));
+    body(k);
+  }
 }
 
 // Horizontal tables of `taps` taps for n samples over a source row of
@@ -41,10 +54,7 @@ Tables RandomTables(int taps, uint32_t n, size_t rowBytes, size_t sampleBytes, s
 
 TEST(ResizeRowsVariants, HorizontalRowsMatchThePortableRows) {
   std::mt19937 rng(17);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (int taps : {1, 2, 3, 4, 6, 9})
       for (uint32_t n = 0; n <= 70; n += 1 + n / 8) {
         const std::vector<uint8_t> src = testsupport::RandomBytes(96, n + 3);
@@ -58,15 +68,12 @@ TEST(ResizeRowsVariants, HorizontalRowsMatchThePortableRows) {
         k->h16(src.data(), t16.off.data(), t16.wf.data(), taps, n, t16.vectorEnd, got16.data());
         ASSERT_EQ(want16, got16) << "h16, taps " << taps << ", n " << n;
       }
-  }
+  });
 }
 
 TEST(ResizeRowsVariants, VerticalRowsMatchThePortableRows) {
   std::mt19937 rng(23);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (int taps : {1, 2, 3, 4, 5, 6, 11})
       for (uint32_t n = 0; n <= 80; n += 1 + n / 8)
         for (bool keepFourth : {false, true}) {
@@ -97,15 +104,12 @@ TEST(ResizeRowsVariants, VerticalRowsMatchThePortableRows) {
           k->v16(p16.data(), w16.data(), taps, n, keepFourth, got16.data());
           ASSERT_EQ(want16, got16) << "v16, taps " << taps << ", n " << n << ", keepFourth " << keepFourth;
         }
-  }
+  });
 }
 
 TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
   std::mt19937 rng(29);
-  for (auto v : testsupport::RunnableVariants()) {
-    const ResizeRowKernels* k = Table(v);
-    if (!k || k == &kResizeRowsPortable) continue;
-    SCOPED_TRACE(kestrelink::VariantName(v));
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
     for (uint32_t n = 0; n <= 70; n += 1 + n / 8) {
       const std::vector<uint8_t> src = testsupport::RandomBytes(64, n + 5);
       std::vector<int32_t> win, w01, w23, off, off4;
@@ -154,8 +158,11 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
         for (int channels : {3, 4}) {
           // Three-sample rows may write two samples past the last block.
           std::vector<int16_t> pxWant(size_t(8 * channels) * blocks + 8, 1), pxGot = pxWant;
-          kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxWant.data());
-          k->h8px4(src.data(), pixOff.data(), n, pairs.data(), taps, channels, blocks, pxGot.data());
+          std::vector<int32_t> windows(size_t(blocks + 1) * uint32_t(taps) * kPixelWindowInts);
+          PixelWindows(pixOff.data(), n, taps, channels, blocks, src.size(), windows.data());
+          kResizeRowsPortable.h8px4(src.data(), pixOff.data(), n, pairs.data(), windows.data(), taps, channels, blocks,
+                                    pxWant.data());
+          k->h8px4(src.data(), pixOff.data(), n, pairs.data(), windows.data(), taps, channels, blocks, pxGot.data());
           pxWant.resize(size_t(8 * channels) * blocks);
           pxGot.resize(pxWant.size());
           ASSERT_EQ(pxWant, pxGot) << "h8px4, channels " << channels << ", taps " << taps << ", blocks " << blocks;
@@ -165,7 +172,84 @@ TEST(ResizeRowsVariants, WindowAndNearestRowsMatchThePortableRows) {
       k->nn8x4keep(src.data(), off4.data(), n, nnGot.data());
       ASSERT_EQ(nnWant, nnGot) << "nn8x4keep, n " << n;
     }
-  }
+  });
+}
+
+// Tables as a resize builds them: each tap's pixel rising along the row, at
+// steps of a reduction, a copy and an enlargement, so that the vector rows
+// that fetch a step's pixels from one window of the row meet windows that
+// fit, windows too wide, and the row's last bytes; rows are allocated to the
+// byte, so a read past them would fall outside the buffer.
+TEST(ResizeRowsVariants, RisingPixelTablesMatchThePortableRows) {
+  std::mt19937 rng(31);
+  ForEachVectorTable([&](const ResizeRowKernels* k) {
+    for (double step : {0.37, 0.5, 1.0, 1.5, 2.0, 3.0, 4.5, 9.0})
+      for (uint32_t pixels : {8u, 16u, 40u, 67u}) {
+        const int32_t width = int32_t(double(pixels) * step) + 3;
+        auto pixel = [&](uint32_t p, int k) { return std::clamp(int32_t(double(p) * step) + k - 1, 0, width - 1); };
+        for (int channels : {1, 2, 3, 4}) {
+          const size_t rowBytes = size_t(width) * size_t(channels);
+          const std::vector<uint8_t> src = testsupport::RandomBytes(rowBytes, uint32_t(rowBytes));
+          if (channels == 1) {
+            // Four-byte windows of one-byte samples, the last ones at the row's end.
+            std::vector<int32_t> win, w01, w23;
+            for (uint32_t p = 0; p < pixels; ++p) {
+              win.push_back(std::min(pixel(p, 0), width - 4));
+              w01.push_back(int32_t(rng()));
+              w23.push_back(int32_t(rng()));
+            }
+            std::vector<int16_t> want(pixels + 8, 3), got = want;
+            kResizeRowsPortable.h8win(src.data(), win.data(), w01.data(), w23.data(), pixels, want.data());
+            k->h8win(src.data(), win.data(), w01.data(), w23.data(), pixels, got.data());
+            ASSERT_EQ(want, got) << "h8win, step " << step << ", pixels " << pixels;
+            continue;
+          }
+          if (channels == 2) {
+            std::vector<int32_t> off;
+            uint32_t vectorEnd = pixels;
+            for (uint32_t p = 0; p < pixels; ++p) {
+              off.push_back(pixel(p, 1) * 2);
+              if (size_t(off[p]) + 4 > rowBytes) vectorEnd = std::min(vectorEnd, p);
+            }
+            std::vector<uint8_t> want = testsupport::RandomBytes(2 * pixels, pixels), got = want;
+            kResizeRowsPortable.nn16(src.data(), off.data(), pixels, vectorEnd, want.data());
+            k->nn16(src.data(), off.data(), pixels, vectorEnd, got.data());
+            ASSERT_EQ(want, got) << "nn16, step " << step << ", pixels " << pixels;
+            continue;
+          }
+          for (int taps : {2, 3, 4, 6}) {
+            std::vector<int32_t> pixOff(size_t(taps) * pixels), pairs;
+            uint32_t blocks = pixels / 8;
+            for (int t = 0; t < taps; ++t)
+              for (uint32_t p = 0; p < pixels; ++p) {
+                const int32_t at = pixel(p, t) * channels;
+                pixOff[size_t(t) * pixels + p] = at;
+                if (size_t(at) + 4 > rowBytes) blocks = std::min(blocks, p / 8);
+              }
+            for (uint32_t i = 0; i < blocks * uint32_t((taps + 1) / 2) * 32; ++i)
+              pairs.push_back(int32_t(rng() % 9000) | int32_t(rng() % 9000) << 16);
+            std::vector<int16_t> want(size_t(8 * channels) * blocks + 8, 1), got = want;
+            std::vector<int32_t> windows(size_t(blocks + 1) * uint32_t(taps) * kPixelWindowInts);
+            PixelWindows(pixOff.data(), pixels, taps, channels, blocks, rowBytes, windows.data());
+            kResizeRowsPortable.h8px4(src.data(), pixOff.data(), pixels, pairs.data(), windows.data(), taps, channels,
+                                      blocks, want.data());
+            k->h8px4(src.data(), pixOff.data(), pixels, pairs.data(), windows.data(), taps, channels, blocks,
+                     got.data());
+            want.resize(size_t(8 * channels) * blocks);
+            got.resize(want.size());
+            ASSERT_EQ(want, got) << "h8px4, step " << step << ", channels " << channels << ", taps " << taps;
+          }
+          if (channels == 4) {
+            std::vector<int32_t> off;
+            for (uint32_t p = 0; p < pixels; ++p) off.push_back(pixel(p, 1) * 4);
+            std::vector<uint8_t> want = testsupport::RandomBytes(4 * pixels, pixels), got = want;
+            kResizeRowsPortable.nn8x4keep(src.data(), off.data(), pixels, want.data());
+            k->nn8x4keep(src.data(), off.data(), pixels, got.data());
+            ASSERT_EQ(want, got) << "nn8x4keep, step " << step << ", pixels " << pixels;
+          }
+        }
+      }
+  });
 }
 
 }  // namespace

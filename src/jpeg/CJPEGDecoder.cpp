@@ -342,7 +342,6 @@ JERRCODE CJPEGDecoder::SetDestination(uint8_t* pointer, int step, IppiSize size,
 
 JERRCODE CJPEGDecoder::ReadData() {
   if (!m_frameFound || !m_dst) return JPEG_BAD_PARAMETER;
-  if (m_mode != JPEG_LOSSLESS && m_precision != 8) return JPEG_NOT_IMPLEMENTED;
   if (JERRCODE s = AllocateCoefficients()) return s;
   if (JERRCODE s = MarkerLoop(false)) return s;
   return WriteOutput();

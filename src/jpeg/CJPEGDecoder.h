@@ -85,10 +85,13 @@ class CJPEGDecoder {
   void TransformPlanes();
   void MakeDequantTables();
   void TransformBlockRow(int c, int by);
-  void ConvertRows();
-  void ConvertRowsReduced();
-  void ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const;
-  int RowScratchBytes() const;
+  template <class Rows>
+  void ConvertRows(const Rows& kernels);
+  template <class Rows>
+  void ConvertRowsReduced(const Rows& kernels);
+  template <class Rows>
+  void ConvertRow(const Rows& kernels, int y, typename Rows::T* dst, typename Rows::T* scratch, int rowSamples) const;
+  int RowScratchSamples() const;
   int16_t* Block(int component, int bx, int by) {
     const CJPEGColorComponent& c = m_comp[component];
     return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;
@@ -130,9 +133,9 @@ class CJPEGDecoder {
   // Scratch: coefficient blocks, then the components' sample planes.
   CMemoryBuffer m_coefBuffer, m_planeBuffer;
   int16_t* m_coef[4] = {};
-  uint8_t* m_plane[4] = {};
+  uint8_t* m_plane[4] = {};      // samples of one byte, or of two at 12-bit precision
   uint16_t* m_samples[4] = {};  // lossless frames: the samples before the point transform
-  int m_planeStride[4] = {};
+  int m_planeStride[4] = {};     // in samples
   bool m_coefReady = false;
   bool m_scanned[4] = {};
   bool m_transformed = false;  // the planes were made while the one scan decoded

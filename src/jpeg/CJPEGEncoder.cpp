@@ -24,8 +24,10 @@ JERRCODE CJPEGEncoder::SetSource(const uint8_t* pointer, int step, IppiSize size
   if (!pointer || size.width < 1 || size.height < 1 || size.width > 65535 || size.height > 65535 || channels < 1 ||
       channels > 4 || precision < 2 || precision > 16)
     return JPEG_BAD_PARAMETER;
-  // Samples of more than 8 bits are little-endian words, one channel (lossless frames).
-  if (precision > 8 && channels != 1) return JPEG_NOT_IMPLEMENTED;
+  // Samples of more than 8 bits are little-endian words: 12-bit pixels of any
+  // layout (extended and progressive frames), other depths one channel
+  // (lossless frames).
+  if (precision > 8 && precision != 12 && channels != 1) return JPEG_NOT_IMPLEMENTED;
   if (int64_t(step) < int64_t(size.width) * channels * (precision > 8 ? 2 : 1)) return JPEG_BAD_PARAMETER;
   (void)sampling;  // the source is interleaved pixels; its sampling is 4:4:4
   m_src = pointer;
@@ -47,7 +49,9 @@ JERRCODE CJPEGEncoder::SetComment(const char* text) {
 
 JERRCODE CJPEGEncoder::SetParams(JMODE mode, JCOLOR colour, JSS sampling, int restartInterval, bool huffmanOptimise,
                                  int quality) {
-  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE || m_precision != 8) return JPEG_NOT_IMPLEMENTED;
+  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE) return JPEG_NOT_IMPLEMENTED;
+  // Baseline frames are 8-bit; extended and progressive ones 8- or 12-bit.
+  if (m_precision != 8 && (m_precision != 12 || mode == JPEG_BASELINE)) return JPEG_NOT_IMPLEMENTED;
   if (restartInterval < 0 || restartInterval > 65535) return JPEG_BAD_PARAMETER;
   m_mode = mode;
   m_jpegColour = colour;

@@ -55,6 +55,8 @@ class CJPEGEncoder {
   void PrepareComponents();
   JERRCODE AllocateBuffers();
   void TransformRow(int mcuRow, std::vector<uint8_t>& scratch);
+  template <class Rows>
+  void TransformRowOf(const Rows& kernels, int mcuRow, std::vector<uint8_t>& scratch);
   void TransformAll();
   JERRCODE CodeRow(int mcuRow, int& restartsLeft, int& nextRestart);
   JERRCODE CodeSequential();

@@ -9,6 +9,7 @@
 
 #include "jpeg/CJPEGDecoder.h"
 #include "jpeg/JpegKernels.h"
+#include "jpeg/JpegRows.h"
 
 namespace kestrelink::jpeg {
 
@@ -30,8 +31,9 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
     blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
     samples += size_t(m_comp[c].blocksX) * 8 * m_comp[c].blocksY * 8;
   }
+  const size_t sampleBytes = m_precision > 8 ? 2 : 1;
   if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
-  if (!m_planeBuffer.Allocate(samples)) return JPEG_OUT_OF_MEMORY;
+  if (!m_planeBuffer.Allocate(samples * sampleBytes)) return JPEG_OUT_OF_MEMORY;
   // Progressive scans refine the store, so it starts cleared; a sequential
   // scan writes every block it covers.
   if (m_mode == JPEG_PROGRESSIVE) std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
@@ -43,7 +45,7 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
     coef += size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64;
     m_plane[c] = plane;
     m_planeStride[c] = m_comp[c].blocksX * 8;
-    plane += size_t(m_planeStride[c]) * m_comp[c].blocksY * 8;
+    plane += size_t(m_planeStride[c]) * m_comp[c].blocksY * 8 * sampleBytes;
   }
   return JPEG_OK;
 }
@@ -53,10 +55,18 @@ void CJPEGDecoder::MakeDequantTables() {
 }
 
 void CJPEGDecoder::TransformBlockRow(int c, int by) {
-  const JpegKernels& k = Kernels();
   const CJPEGColorComponent& comp = m_comp[c];
   if (by >= comp.usedBlocksY) return;
-  uint8_t* out = m_plane[c] + size_t(by) * 8 * m_planeStride[c];
+  const size_t offset = size_t(by) * 8 * m_planeStride[c];
+  if (m_precision > 8) {
+    const JpegKernels12& k = Kernels().twelve;
+    uint16_t* out = reinterpret_cast<uint16_t*>(m_plane[c]) + offset;
+    for (int bx = 0; bx < comp.usedBlocksX; ++bx)
+      k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
+    return;
+  }
+  const JpegKernels& k = Kernels();
+  uint8_t* out = m_plane[c] + offset;
   for (int bx = 0; bx < comp.usedBlocksX; ++bx)
     k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
 }
@@ -79,60 +89,63 @@ void CJPEGDecoder::TransformPlanes() {
   }
 }
 
-void CJPEGDecoder::ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const {
-  const JpegKernels& k = Kernels();
+template <class Rows>
+void CJPEGDecoder::ConvertRow(const Rows& k, int y, typename Rows::T* dst, typename Rows::T* scratch,
+                              int rowSamples) const {
+  using T = typename Rows::T;
   const int width = m_width;
-  const uint32_t red = m_dstColour == JC_RGB ? 0 : 2, bytes = uint32_t(m_dstChannels);
-  const uint8_t* row[4] = {};
+  const uint32_t red = m_dstColour == JC_RGB ? 0 : 2, ch = uint32_t(m_dstChannels);
+  const T* row[4] = {};
   for (int c = 0; c < m_channels; ++c) {
     const CJPEGColorComponent& comp = m_comp[c];
-    const uint8_t* plane = m_plane[c];
+    const T* plane = reinterpret_cast<const T*>(m_plane[c]);
     const int stride = m_planeStride[c];
-    uint8_t* buf = scratch + size_t(rowBytes) * c;
+    T* buf = scratch + size_t(rowSamples) * c;
     if (comp.h == m_hmax && comp.v == m_vmax) {
       row[c] = plane + size_t(y) * stride;
     } else if (m_hmax == 2 * comp.h && m_vmax == comp.v) {
-      k.up_h2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
+      k.UpH2(plane + size_t(y) * stride, nullptr, buf, uint32_t(comp.width));
       row[c] = buf;
     } else if (m_hmax == 2 * comp.h && m_vmax == 2 * comp.v) {
       const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
-      k.up_h2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
+      k.UpH2(plane + size_t(cy) * stride, plane + size_t(far) * stride, buf, uint32_t(comp.width));
       row[c] = buf;
     } else if (m_hmax == comp.h && m_vmax == 2 * comp.v) {
       // The triangle filter down the column: 3 parts of the nearer row, 1 of the farther.
       const int cy = y / 2, far = (y & 1) ? std::min(cy + 1, comp.height - 1) : std::max(cy - 1, 0);
-      const uint8_t* n = plane + size_t(cy) * stride;
-      const uint8_t* f = plane + size_t(far) * stride;
+      const T* n = plane + size_t(cy) * stride;
+      const T* f = plane + size_t(far) * stride;
       const int bias = (y & 1) ? 2 : 1;
-      for (int x = 0; x < comp.width; ++x) buf[x] = uint8_t((3 * n[x] + f[x] + bias) >> 2);
+      for (int x = 0; x < comp.width; ++x) buf[x] = T((3 * n[x] + f[x] + bias) >> 2);
       row[c] = buf;
     } else {
-      const uint8_t* src = plane + size_t(y * comp.v / m_vmax) * stride;
+      const T* src = plane + size_t(y * comp.v / m_vmax) * stride;
       for (int x = 0; x < width; ++x) buf[x] = src[x * comp.h / m_hmax];
       row[c] = buf;
     }
   }
-  if (m_dstChannels == 1) {
-    std::memcpy(dst, row[0], size_t(width));
+  constexpr T kMax = T(Rows::kMax);
+  if (ch == 1) {
+    std::memcpy(dst, row[0], size_t(width) * sizeof(T));
   } else if (m_channels == 1) {
     for (int x = 0; x < width; ++x) {
-      std::memset(dst + x * bytes, row[0][x], 3);
-      if (bytes == 4) dst[x * 4 + 3] = 255;
+      dst[x * ch] = dst[x * ch + 1] = dst[x * ch + 2] = row[0][x];
+      if (ch == 4) dst[x * 4 + 3] = kMax;
     }
   } else if (m_colour == JC_YCBCR) {
-    k.ycc_to_pixels(row[0], row[1], row[2], dst, bytes, red, uint32_t(width));
+    k.FromYcc(row[0], row[1], row[2], dst, ch, red, uint32_t(width));
   } else if (m_channels == 3) {
     for (int x = 0; x < width; ++x) {
-      dst[x * bytes + red] = row[0][x];
-      dst[x * bytes + 1] = row[1][x];
-      dst[x * bytes + 2 - red] = row[2][x];
-      if (bytes == 4) dst[x * 4 + 3] = 255;
+      dst[x * ch + red] = row[0][x];
+      dst[x * ch + 1] = row[1][x];
+      dst[x * ch + 2 - red] = row[2][x];
+      if (ch == 4) dst[x * 4 + 3] = kMax;
     }
   } else if (m_colour == JC_YCCK) {  // Y, Cb, Cr made CMY; K as it stands
-    uint8_t* rgb = scratch + size_t(rowBytes) * 4;
-    k.ycc_to_pixels(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
+    T* rgb = scratch + size_t(rowSamples) * 4;
+    k.FromYcc(row[0], row[1], row[2], rgb, 3, 0, uint32_t(width));
     for (int x = 0; x < width; ++x) {
-      for (int i = 0; i < 3; ++i) dst[x * 4 + i] = uint8_t(255 - rgb[x * 3 + i]);
+      for (int i = 0; i < 3; ++i) dst[x * 4 + i] = T(kMax - rgb[x * 3 + i]);
       dst[x * 4 + 3] = row[3][x];
     }
   } else {  // four components as stored
@@ -141,45 +154,50 @@ void CJPEGDecoder::ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowByte
   }
 }
 
-int CJPEGDecoder::RowScratchBytes() const {
-  int rowBytes = m_width * 4 + 64;
-  for (int c = 0; c < m_channels; ++c) rowBytes = std::max(rowBytes, 2 * m_comp[c].width + 64);
-  return rowBytes;
+int CJPEGDecoder::RowScratchSamples() const {
+  int rowSamples = m_width * 4 + 64;
+  for (int c = 0; c < m_channels; ++c) rowSamples = std::max(rowSamples, 2 * m_comp[c].width + 64);
+  return rowSamples;
 }
 
-void CJPEGDecoder::ConvertRows() {
-  const int rowBytes = RowScratchBytes(), height = m_height;
+template <class Rows>
+void CJPEGDecoder::ConvertRows(const Rows& k) {
+  using T = typename Rows::T;
+  const int rowSamples = RowScratchSamples(), height = m_height;
 #pragma omp parallel num_threads(m_threads)
   {
-    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
+    std::vector<T> scratch(size_t(rowSamples) * 6);
 #pragma omp for schedule(static)
-    for (int y = 0; y < height; ++y) ConvertRow(y, m_dst + size_t(y) * m_dstStep, scratch.data(), rowBytes);
+    for (int y = 0; y < height; ++y)
+      ConvertRow(k, y, reinterpret_cast<T*>(m_dst + size_t(y) * m_dstStep), scratch.data(), rowSamples);
   }
 }
 
 // Reduced output: each output pixel is the rounded mean of the scale x scale
 // pixels it covers (fewer at the right and bottom edges).
-void CJPEGDecoder::ConvertRowsReduced() {
-  const int rowBytes = RowScratchBytes(), scale = m_dctScale, bytes = m_dstChannels;
+template <class Rows>
+void CJPEGDecoder::ConvertRowsReduced(const Rows& k) {
+  using T = typename Rows::T;
+  const int rowSamples = RowScratchSamples(), scale = m_dctScale, ch = m_dstChannels;
   const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
 #pragma omp parallel num_threads(m_threads)
   {
-    std::vector<uint8_t> scratch(size_t(rowBytes) * 6);
-    std::vector<uint32_t> sums(size_t(outW) * bytes);
+    std::vector<T> scratch(size_t(rowSamples) * 6);
+    std::vector<uint32_t> sums(size_t(outW) * ch);
 #pragma omp for schedule(static)
     for (int oy = 0; oy < outH; ++oy) {
       std::fill(sums.begin(), sums.end(), 0u);
       const int y0 = oy * scale, y1 = std::min(m_height, y0 + scale);
-      uint8_t* full = scratch.data() + size_t(rowBytes) * 5;
+      T* full = scratch.data() + size_t(rowSamples) * 5;
       for (int y = y0; y < y1; ++y) {
-        ConvertRow(y, full, scratch.data(), rowBytes);
+        ConvertRow(k, y, full, scratch.data(), rowSamples);
         for (int x = 0; x < m_width; ++x)
-          for (int i = 0; i < bytes; ++i) sums[size_t(x / scale) * bytes + i] += full[size_t(x) * bytes + i];
+          for (int i = 0; i < ch; ++i) sums[size_t(x / scale) * ch + i] += full[size_t(x) * ch + i];
       }
-      uint8_t* dst = m_dst + size_t(oy) * m_dstStep;
+      T* dst = reinterpret_cast<T*>(m_dst + size_t(oy) * m_dstStep);
       for (int ox = 0; ox < outW; ++ox) {
         const uint32_t n = uint32_t((y1 - y0) * (std::min(m_width, (ox + 1) * scale) - ox * scale));
-        for (int i = 0; i < bytes; ++i) dst[size_t(ox) * bytes + i] = uint8_t((sums[size_t(ox) * bytes + i] + n / 2) / n);
+        for (int i = 0; i < ch; ++i) dst[size_t(ox) * ch + i] = T((sums[size_t(ox) * ch + i] + n / 2) / n);
       }
     }
   }
@@ -202,10 +220,13 @@ JERRCODE CJPEGDecoder::WriteOutput() {
                     (m_channels == 4 && m_dstChannels == 4);
   if (!fits) return JPEG_NOT_IMPLEMENTED;
   TransformPlanes();
-  if (scale > 1)
-    ConvertRowsReduced();
-  else
-    ConvertRows();
+  if (m_precision > 8) {
+    const JpegRows12 rows{Kernels().twelve};
+    scale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
+  } else {
+    const JpegRows8 rows{Kernels()};
+    scale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
+  }
   return JPEG_OK;
 }
 

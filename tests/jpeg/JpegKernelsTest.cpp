@@ -151,3 +151,47 @@ TEST(JpegKernels, ForwardTransformQuantisesWithinOneStep) {
 }
 
 }  // namespace
+
+namespace {
+
+// The vector block kernels against the portable ones, sample for sample:
+// camera-like blocks, extreme ones, and coefficients no stream of sense
+// holds (whose sums wrap the same way in every variant).
+TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
+  std::mt19937 rng(11);
+  uint16_t table[64];
+  ScaleQuantTable(kLumaQuantZigzag, 75, table);
+  ForwardQuant quant;
+  MakeForwardQuant(table, quant);
+  int32_t dequant[64], huge[64];
+  MakeDequant(table, dequant);
+  for (int32_t& q : huge) q = 65535;
+  for (int b = 0; b < 300; ++b) {
+    alignas(64) uint8_t samples[16 * 8];
+    alignas(64) int16_t coef[64];
+    for (uint8_t& s : samples) s = b % 3 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+    for (int16_t& c : coef) c = int16_t(b % 2 ? int(rng() % 65536) - 32768 : int(rng() % 61) - 30);
+    const int32_t* dq = b % 4 == 1 ? huge : dequant;
+    int16_t zigzagRef[64];
+    uint8_t outRef[8 * 16];
+    {
+      testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+      Kernels().fdct_quant(samples + 3, 16, quant, zigzagRef);
+      Kernels().idct_store(coef, dq, outRef, 16);
+    }
+    for (auto variant : testsupport::RunnableVariants()) {
+      testsupport::ScopedVariant scoped(variant);
+      int16_t zigzag[64];
+      uint8_t out[8 * 16];
+      Kernels().fdct_quant(samples + 3, 16, quant, zigzag);
+      Kernels().idct_store(coef, dq, out, 16);
+      for (int i = 0; i < 64; ++i) {
+        ASSERT_EQ(zigzag[i], zigzagRef[i]) << kestrelink::VariantName(variant) << " block " << b << " at " << i;
+        ASSERT_EQ(out[(i / 8) * 16 + i % 8], outRef[(i / 8) * 16 + i % 8])
+            << kestrelink::VariantName(variant) << " block " << b << " at " << i;
+      }
+    }
+  }
+}
+
+}  // namespace

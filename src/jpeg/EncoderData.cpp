@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include <omp.h>
+
 #include "jpeg/CJPEGEncoder.h"
 #include "jpeg/JpegRows.h"
 
@@ -22,20 +24,19 @@ void FillPadding(T* row, int w, int paddedW) {
 
 }  // namespace
 
-void CJPEGEncoder::TransformRow(int mcuRow, std::vector<uint8_t>& scratch) {
+void CJPEGEncoder::TransformRow(int mcuRow, uint8_t* scratch, const CoefRow& dst) {
   if (m_precision > 8)
-    TransformRowOf(JpegRows12{Kernels().twelve}, mcuRow, scratch);
+    TransformRowOf(JpegRows12{Kernels().twelve}, mcuRow, scratch, dst);
   else
-    TransformRowOf(JpegRows8{Kernels()}, mcuRow, scratch);
+    TransformRowOf(JpegRows8{Kernels()}, mcuRow, scratch, dst);
 }
 
 template <class Rows>
-void CJPEGEncoder::TransformRowOf(const Rows& k, int mcuRow, std::vector<uint8_t>& scratch) {
+void CJPEGEncoder::TransformRowOf(const Rows& k, int mcuRow, uint8_t* scratch, const CoefRow& dst) {
   using T = typename Rows::T;
   const int paddedW = m_mcusX * m_mcuWidth, rows = m_mcuHeight;
   const size_t planeSamples = size_t(paddedW) * rows;
-  scratch.resize((planeSamples * 2 * 4 + size_t(paddedW) * 3) * sizeof(T));
-  T* const base = reinterpret_cast<T*>(scratch.data());
+  T* const base = reinterpret_cast<T*>(scratch);
   T* full[4];
   T* down[4];
   for (int c = 0; c < 4; ++c) {
@@ -93,7 +94,7 @@ void CJPEGEncoder::TransformRowOf(const Rows& k, int mcuRow, std::vector<uint8_t
     const ForwardQuant& q = m_quant[comp.quantTable].quant;
     for (int by = 0; by < comp.v; ++by)
       for (int bx = 0; bx < comp.blocksX; ++bx)
-        k.Fdct(plane + size_t(by) * 8 * stride + bx * 8, stride, q, Block(c, bx, mcuRow * comp.v + by));
+        k.Fdct(plane + size_t(by) * 8 * stride + bx * 8, stride, q, dst.comp[c] + (size_t(by) * comp.blocksX + bx) * 64);
   }
 }
 
@@ -102,14 +103,14 @@ void CJPEGEncoder::TransformAll() {
   const int rows = m_mcusY;
 #pragma omp parallel num_threads(m_threads)
   {
-    std::vector<uint8_t> scratch;
+    uint8_t* scratch = SlotScratch(omp_get_thread_num());
 #pragma omp for schedule(static)
-    for (int r = 0; r < rows; ++r) TransformRow(r, scratch);
+    for (int r = 0; r < rows; ++r) TransformRow(r, scratch, FrameRow(r));
   }
   m_coefReady = true;
 }
 
-JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) {
+JERRCODE CJPEGEncoder::CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart) {
   const int perMcu = [&] {
     int n = 0;
     for (int c = 0; c < m_jpegChannels; ++c) n += m_comp[c].h * m_comp[c].v;
@@ -131,7 +132,7 @@ JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) 
       CJPEGColorComponent& comp = m_comp[c];
       for (int by = 0; by < comp.v; ++by)
         for (int bx = 0; bx < comp.h; ++bx)
-          EncodeBlock(m_state, Block(c, mx * comp.h + bx, mcuRow * comp.v + by), comp.lastDc,
+          EncodeBlock(m_state, row.comp[c] + (size_t(by) * comp.blocksX + mx * comp.h + bx) * 64, comp.lastDc,
                       m_dcTable[comp.dcTable], m_acTable[comp.acTable]);
     }
     m_out.Advance(uint32_t(m_state.m_out - base));
@@ -180,25 +181,27 @@ JERRCODE CJPEGEncoder::CodeSequential() {
   JERRCODE status = JPEG_OK;
   const int rows = m_mcusY;
   if (m_coefReady || m_threads <= 1) {
-    std::vector<uint8_t> scratch;
+    const CoefRow slot = SlotRow(0);
     for (int r = 0; r < rows && status == JPEG_OK; ++r) {
-      if (!m_coefReady) TransformRow(r, scratch);
-      status = CodeRow(r, restartsLeft, nextRestart);
+      if (!m_coefReady) TransformRow(r, SlotScratch(0), slot);
+      status = CodeRow(m_coefReady ? FrameRow(r) : slot, restartsLeft, nextRestart);
     }
   } else {
-    // The row pipeline: rows go round the team, their transforms overlap, and
-    // the ordered section codes them one after another in row order.
+    // The row pipeline: rows go round the team, each into its thread's slot;
+    // their transforms overlap, and the ordered section codes them one after
+    // another in row order.
     bool failed = false;
 #pragma omp parallel num_threads(m_threads)
     {
-      std::vector<uint8_t> scratch;
+      const int thread = omp_get_thread_num();
+      const CoefRow slot = SlotRow(thread);
 #pragma omp for ordered schedule(static, 1)
       for (int r = 0; r < rows; ++r) {
-        TransformRow(r, scratch);
+        TransformRow(r, SlotScratch(thread), slot);
 #pragma omp ordered
         {
           if (!failed) {
-            const JERRCODE s = CodeRow(r, restartsLeft, nextRestart);
+            const JERRCODE s = CodeRow(slot, restartsLeft, nextRestart);
             if (s != JPEG_OK) {
               status = s;
               failed = true;

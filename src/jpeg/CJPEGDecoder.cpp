@@ -13,7 +13,7 @@ CJPEGDecoder::CJPEGDecoder() : m_threads(platform::MeasureTeamSize()) {}
 
 JERRCODE CJPEGDecoder::SetSource(CBaseStreamInput* stream) {
   if (JERRCODE s = m_in.Attach(stream)) return s;
-  m_frameFound = m_inScan = m_eoiFound = m_coefReady = m_transformed = false;
+  m_frameFound = m_inScan = m_eoiFound = m_coefReady = m_storeReady = false;
   m_jfifFound = m_adobeFound = m_exifFound = false;
   m_adobeTransform = -1;
   m_restartInterval = 0;

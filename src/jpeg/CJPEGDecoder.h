@@ -6,6 +6,7 @@
 // the image the blocks are inverse-transformed and the rows upsampled and
 // colour-converted over the OpenMP team.
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "jpeg/BitStreamInput.h"
@@ -73,7 +74,10 @@ class CJPEGDecoder {
   JERRCODE DecodeLosslessScan();
   void WriteLosslessRows();
   JERRCODE ProcessRestart();
-  void DecodeMcu(int my, int mx);
+  // One MCU of a sequential scan of every component into `row`: per
+  // component, block row y of the MCU row, column bx at (y x blocksX + bx) x 64.
+  void DecodeMcu(int16_t* const row[4], int mx);
+  JERRCODE DecodeRowsDirect(const std::function<JERRCODE(bool)>& beforeMcu);
   bool QuantTablesDefined() const;
   void DecodeSequentialBlock(int16_t* coef, CJPEGColorComponent& c);
   void DecodeDcFirst(int16_t* coef, CJPEGColorComponent& c);
@@ -81,10 +85,12 @@ class CJPEGDecoder {
   void DecodeAcFirst(int16_t* coef);
   void DecodeAcRefine(int16_t* coef);
   JERRCODE AllocateCoefficients();
+  JERRCODE EnsureCoefficientStore();
   JERRCODE WriteOutput();
-  void TransformPlanes();
+  JERRCODE TransformPlanes();
   void MakeDequantTables();
-  void TransformBlockRow(int c, int by);
+  // Block row `by` of component `c`, its blocks from `blocks` on.
+  void TransformBlockRow(int c, int by, const int16_t* blocks);
   template <class Rows>
   void ConvertRows(const Rows& kernels);
   template <class Rows>
@@ -138,7 +144,13 @@ class CJPEGDecoder {
   int m_planeStride[4] = {};     // in samples
   bool m_coefReady = false;
   bool m_scanned[4] = {};
-  bool m_transformed = false;  // the planes were made while the one scan decoded
+  bool m_storeReady = false;   // the whole frame's blocks are allocated
+  bool m_planeDone[4] = {};    // the component's plane was made while its scan decoded
+  // Rows of blocks that a sequential scan of every component decodes into,
+  // ahead of their inverse transform; made with the planes.
+  CMemoryBuffer m_slotBuffer;
+  int m_slotCount = 1;
+  size_t m_slotBlocks = 0;
   int32_t m_dequant[4][64] = {};
   int m_threads = 1;
 };

@@ -26,23 +26,25 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
     }
     return JPEG_OK;
   }
-  size_t blocks = 0, samples = 0;
+  size_t samples = 0, rowBlocks = 0;
   for (int c = 0; c < m_channels; ++c) {
-    blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
     samples += size_t(m_comp[c].blocksX) * 8 * m_comp[c].blocksY * 8;
+    rowBlocks += size_t(m_comp[c].blocksX) * m_comp[c].v;
   }
   const size_t sampleBytes = m_precision > 8 ? 2 : 1;
-  if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
   if (!m_planeBuffer.Allocate(samples * sampleBytes)) return JPEG_OUT_OF_MEMORY;
-  // Progressive scans refine the store, so it starts cleared; a sequential
-  // scan writes every block it covers.
-  if (m_mode == JPEG_PROGRESSIVE) std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
-  for (bool& s : m_scanned) s = m_mode == JPEG_PROGRESSIVE;
-  int16_t* coef = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
+  // Two rows of blocks per thread keep the decoding ahead of the transforms.
+  m_slotCount = m_threads > 1 ? std::min(2 * m_threads, 64) : 1;
+  m_slotBlocks = rowBlocks;
+  if (!m_slotBuffer.Allocate(rowBlocks * 64 * sizeof(int16_t) * size_t(m_slotCount))) return JPEG_OUT_OF_MEMORY;
+  m_storeReady = false;
+  for (int c = 0; c < 4; ++c) {
+    m_coef[c] = nullptr;
+    m_planeDone[c] = false;
+    m_scanned[c] = false;
+  }
   uint8_t* plane = m_planeBuffer.Data();
   for (int c = 0; c < m_channels; ++c) {
-    m_coef[c] = coef;
-    coef += size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64;
     m_plane[c] = plane;
     m_planeStride[c] = m_comp[c].blocksX * 8;
     plane += size_t(m_planeStride[c]) * m_comp[c].blocksY * 8 * sampleBytes;
@@ -50,43 +52,68 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
   return JPEG_OK;
 }
 
+// The whole frame's blocks, for the scans that are not decoded row by row
+// straight into the planes, made at the first such scan. Progressive scans
+// refine the store, so it starts cleared; a sequential scan writes every
+// block it covers, and a component that no scan covers is cleared before
+// its transform.
+JERRCODE CJPEGDecoder::EnsureCoefficientStore() {
+  if (m_storeReady) return JPEG_OK;
+  size_t blocks = 0;
+  for (int c = 0; c < m_channels; ++c) blocks += size_t(m_comp[c].blocksX) * m_comp[c].blocksY;
+  if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
+  if (m_mode == JPEG_PROGRESSIVE) std::memset(m_coefBuffer.Data(), 0, blocks * 64 * sizeof(int16_t));
+  int16_t* coef = reinterpret_cast<int16_t*>(m_coefBuffer.Data());
+  for (int c = 0; c < m_channels; ++c) {
+    m_coef[c] = coef;
+    coef += size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64;
+    if (m_mode == JPEG_PROGRESSIVE) m_scanned[c] = true;
+  }
+  m_storeReady = true;
+  return JPEG_OK;
+}
+
 void CJPEGDecoder::MakeDequantTables() {
   for (int c = 0; c < m_channels; ++c) MakeDequant(m_quant[m_comp[c].quantTable], m_dequant[c]);
 }
 
-void CJPEGDecoder::TransformBlockRow(int c, int by) {
+void CJPEGDecoder::TransformBlockRow(int c, int by, const int16_t* blocks) {
   const CJPEGColorComponent& comp = m_comp[c];
   if (by >= comp.usedBlocksY) return;
   const size_t offset = size_t(by) * 8 * m_planeStride[c];
   if (m_precision > 8) {
     const JpegKernels12& k = Kernels().twelve;
     uint16_t* out = reinterpret_cast<uint16_t*>(m_plane[c]) + offset;
-    for (int bx = 0; bx < comp.usedBlocksX; ++bx)
-      k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
+    for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(blocks + bx * 64, m_dequant[c], out + bx * 8, m_planeStride[c]);
     return;
   }
   const JpegKernels& k = Kernels();
   uint8_t* out = m_plane[c] + offset;
-  for (int bx = 0; bx < comp.usedBlocksX; ++bx)
-    k.idct_store(Block(c, bx, by), m_dequant[c], out + bx * 8, m_planeStride[c]);
+  for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(blocks + bx * 64, m_dequant[c], out + bx * 8, m_planeStride[c]);
 }
 
-void CJPEGDecoder::TransformPlanes() {
-  if (m_transformed) return;  // done row by row behind the scan's decoding
+JERRCODE CJPEGDecoder::TransformPlanes() {
+  bool all = true;
+  for (int c = 0; c < m_channels; ++c) all = all && m_planeDone[c];
+  if (all) return JPEG_OK;  // done row by row behind the scan's decoding
+  if (JERRCODE s = EnsureCoefficientStore()) return s;
   // A component that no scan covered decodes as mid-grey.
   for (int c = 0; c < m_channels; ++c)
-    if (!m_scanned[c]) std::memset(m_coef[c], 0, size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64 * sizeof(int16_t));
+    if (!m_scanned[c] && !m_planeDone[c])
+      std::memset(m_coef[c], 0, size_t(m_comp[c].blocksX) * m_comp[c].blocksY * 64 * sizeof(int16_t));
   MakeDequantTables();
-  // Every block row of every component is one unit of work.
+  // Every block row of every component not yet made is one unit of work.
   int rowStart[5] = {0};
-  for (int c = 0; c < m_channels; ++c) rowStart[c + 1] = rowStart[c] + m_comp[c].usedBlocksY;
+  for (int c = 0; c < m_channels; ++c) rowStart[c + 1] = rowStart[c] + (m_planeDone[c] ? 0 : m_comp[c].usedBlocksY);
   const int units = rowStart[m_channels];
 #pragma omp parallel for schedule(static) num_threads(m_threads)
   for (int u = 0; u < units; ++u) {
     int c = 0;
     while (u >= rowStart[c + 1]) ++c;
-    TransformBlockRow(c, u - rowStart[c]);
+    const int by = u - rowStart[c];
+    TransformBlockRow(c, by, Block(c, 0, by));
   }
+  return JPEG_OK;
 }
 
 template <class Rows>
@@ -219,7 +246,7 @@ JERRCODE CJPEGDecoder::WriteOutput() {
   const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||
                     (m_channels == 4 && m_dstChannels == 4);
   if (!fits) return JPEG_NOT_IMPLEMENTED;
-  TransformPlanes();
+  if (JERRCODE s = TransformPlanes()) return s;
   if (m_precision > 8) {
     const JpegRows12 rows{Kernels().twelve};
     scale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);

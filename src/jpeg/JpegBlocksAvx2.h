@@ -116,7 +116,33 @@ inline void InversePass(V d[8]) {
   d[4] = _mm256_srai_epi32(Sub(t13, o0), shift);
 }
 
+// A block whose only nonzero coefficient is DC: every sum but the DC's is
+// zero, so the two passes reduce to two shifts of one value (the same
+// wrapping sums as the full transform, so the same samples).
+inline bool DcOnly(const int16_t* coef) {
+  const V a = _mm256_loadu_si256(reinterpret_cast<const V*>(coef));
+  const V b = _mm256_loadu_si256(reinterpret_cast<const V*>(coef + 16));
+  const V c = _mm256_loadu_si256(reinterpret_cast<const V*>(coef + 32));
+  const V d = _mm256_loadu_si256(reinterpret_cast<const V*>(coef + 48));
+  const V ac = _mm256_and_si256(a, _mm256_setr_epi16(0, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
+  const V any = _mm256_or_si256(_mm256_or_si256(ac, b), _mm256_or_si256(c, d));
+  return _mm256_testz_si256(any, any);
+}
+
+inline void StoreDcOnly(const int16_t* coef, const int32_t* dequant, uint8_t* dst, intptr_t step) {
+  constexpr int shift1 = kConstBits - kPass1Bits, shift2 = kConstBits + kPass1Bits + 3;
+  const uint32_t a = uint32_t(int32_t(coef[0])) * uint32_t(dequant[0]);
+  const uint32_t p = uint32_t(int32_t((a << kConstBits) + (1u << (shift1 - 1))) >> shift1);
+  const int32_t v = int32_t((p << kConstBits) + (1u << (shift2 - 1)) + (128u << shift2)) >> shift2;
+  const __m128i row = _mm_set1_epi8(char(v < 0 ? 0 : v > 255 ? 255 : v));
+  for (int y = 0; y < 8; ++y) _mm_storel_epi64(reinterpret_cast<__m128i*>(dst + y * step), row);
+}
+
 inline void IdctStore(const int16_t* coef, const int32_t* dequant, uint8_t* dst, intptr_t step) {
+  if (DcOnly(coef)) {
+    StoreDcOnly(coef, dequant, dst, step);
+    return;
+  }
   V r[8];
   for (int v = 0; v < 8; ++v)
     r[v] = _mm256_mullo_epi32(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(coef + v * 8))),

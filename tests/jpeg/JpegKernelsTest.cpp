@@ -6,6 +6,7 @@
 // the coefficient, of the exact quotient.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <string>
@@ -155,8 +156,8 @@ TEST(JpegKernels, ForwardTransformQuantisesWithinOneStep) {
 namespace {
 
 // The vector block kernels against the portable ones, sample for sample:
-// camera-like blocks, extreme ones, and coefficients no stream of sense
-// holds (whose sums wrap the same way in every variant).
+// camera-like blocks, extreme ones, blocks of DC alone, and coefficients no
+// stream of sense holds (whose sums wrap the same way in every variant).
 TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
   std::mt19937 rng(11);
   uint16_t table[64];
@@ -171,6 +172,8 @@ TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
     alignas(64) int16_t coef[64];
     for (uint8_t& s : samples) s = b % 3 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
     for (int16_t& c : coef) c = int16_t(b % 2 ? int(rng() % 65536) - 32768 : int(rng() % 61) - 30);
+    if (b % 5 >= 3) std::fill(coef + 1, coef + 64, int16_t(0));  // DC alone, of every size
+    if (b % 5 == 4 && b % 2) coef[16 * (b % 3 + 1)] = int16_t(b);  // and DC with one more in the first column
     const int32_t* dq = b % 4 == 1 ? huge : dequant;
     int16_t zigzagRef[64];
     uint8_t outRef[8 * 16];

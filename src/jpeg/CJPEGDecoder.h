@@ -87,6 +87,10 @@ class CJPEGDecoder {
   JERRCODE AllocateCoefficients();
   JERRCODE EnsureCoefficientStore();
   JERRCODE WriteOutput();
+  // The destination's checks, before any row is written.
+  JERRCODE CheckOutput() const;
+  // Output rows y0 .. y1 - 1 at full size, from planes already made.
+  void ConvertRange(int y0, int y1);
   JERRCODE TransformPlanes();
   void MakeDequantTables();
   // Block row `by` of component `c`, its blocks from `blocks` on.
@@ -149,6 +153,8 @@ class CJPEGDecoder {
   // Rows of blocks that a sequential scan of every component decodes into,
   // ahead of their inverse transform; made with the planes.
   CMemoryBuffer m_slotBuffer;
+  CMemoryBuffer m_convertScratch;  // the row conversion's scratch when it runs behind the transforms
+  bool m_converted = false;        // the output rows were written behind the transforms
   int m_slotCount = 1;
   size_t m_slotBlocks = 0;
   int32_t m_dequant[4][64] = {};

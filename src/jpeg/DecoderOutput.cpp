@@ -37,7 +37,8 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
   m_slotCount = m_threads > 1 ? std::min(2 * m_threads, 64) : 1;
   m_slotBlocks = rowBlocks;
   if (!m_slotBuffer.Allocate(rowBlocks * 64 * sizeof(int16_t) * size_t(m_slotCount))) return JPEG_OUT_OF_MEMORY;
-  m_storeReady = false;
+  if (!m_convertScratch.Allocate(size_t(RowScratchSamples()) * 6 * sampleBytes)) return JPEG_OUT_OF_MEMORY;
+  m_storeReady = m_converted = false;
   for (int c = 0; c < 4; ++c) {
     m_coef[c] = nullptr;
     m_planeDone[c] = false;
@@ -230,29 +231,48 @@ void CJPEGDecoder::ConvertRowsReduced(const Rows& k) {
   }
 }
 
-JERRCODE CJPEGDecoder::WriteOutput() {
+JERRCODE CJPEGDecoder::CheckOutput() const {
   const int sampleBytes = m_precision > 8 ? 2 : 1, scale = m_mode == JPEG_LOSSLESS ? 1 : m_dctScale;
   const int outW = (m_width + scale - 1) / scale, outH = (m_height + scale - 1) / scale;
   if (m_dstSize.width < outW || m_dstSize.height < outH || int64_t(m_dstStep) < int64_t(outW) * m_dstChannels * sampleBytes)
     return JPEG_BAD_PARAMETER;
-  if (m_mode == JPEG_LOSSLESS) {  // no transform to reduce: full size whatever the scale
-    WriteLosslessRows();
-    return JPEG_OK;
-  }
+  if (m_mode == JPEG_LOSSLESS) return JPEG_OK;
   for (int c = 0; c < m_channels; ++c)
     if (!m_quantDefined[m_comp[c].quantTable]) return JPEG_BAD_QUANT_SEGMENT;
   // Grey goes to any layout, three components to three or four bytes, four
   // components to four; one channel takes the first component.
   const bool fits = m_dstChannels == 1 || m_channels == 1 || (m_channels == 3 && m_dstChannels >= 3) ||
                     (m_channels == 4 && m_dstChannels == 4);
-  if (!fits) return JPEG_NOT_IMPLEMENTED;
-  if (JERRCODE s = TransformPlanes()) return s;
+  return fits ? JPEG_OK : JPEG_NOT_IMPLEMENTED;
+}
+
+void CJPEGDecoder::ConvertRange(int y0, int y1) {
+  const int rowSamples = RowScratchSamples();
   if (m_precision > 8) {
     const JpegRows12 rows{Kernels().twelve};
-    scale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
+    uint16_t* scratch = reinterpret_cast<uint16_t*>(m_convertScratch.Data());
+    for (int y = y0; y < y1; ++y)
+      ConvertRow(rows, y, reinterpret_cast<uint16_t*>(m_dst + size_t(y) * m_dstStep), scratch, rowSamples);
   } else {
     const JpegRows8 rows{Kernels()};
-    scale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
+    for (int y = y0; y < y1; ++y) ConvertRow(rows, y, m_dst + size_t(y) * m_dstStep, m_convertScratch.Data(), rowSamples);
+  }
+}
+
+JERRCODE CJPEGDecoder::WriteOutput() {
+  if (JERRCODE s = CheckOutput()) return s;
+  if (m_mode == JPEG_LOSSLESS) {  // no transform to reduce: full size whatever the scale
+    WriteLosslessRows();
+    return JPEG_OK;
+  }
+  if (JERRCODE s = TransformPlanes()) return s;
+  if (m_converted) return JPEG_OK;  // converted row by row behind the transforms
+  if (m_precision > 8) {
+    const JpegRows12 rows{Kernels().twelve};
+    m_dctScale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
+  } else {
+    const JpegRows8 rows{Kernels()};
+    m_dctScale > 1 ? ConvertRowsReduced(rows) : ConvertRows(rows);
   }
   return JPEG_OK;
 }

@@ -153,11 +153,21 @@ JERRCODE CJPEGDecoder::DecodeRowsDirect(const std::function<JERRCODE(bool)>& bef
   };
   JERRCODE status = JPEG_OK;
   if (m_slotCount == 1) {
+    // One thread: each MCU row's output rows are converted once the row
+    // below is transformed (the upsampling looks one chroma row ahead), while
+    // the planes are still in the cache.
+    const bool convert = m_dctScale == 1 && m_dst && CheckOutput() == JPEG_OK;
     int16_t* row[4];
     slot(0, row);
     for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
       status = decodeRow(my, row);
-      if (status == JPEG_OK) transformRow(my, row);
+      if (status != JPEG_OK) break;
+      transformRow(my, row);
+      if (convert && my > 0) ConvertRange((my - 1) * m_mcuHeight, my * m_mcuHeight);
+    }
+    if (convert && status == JPEG_OK) {
+      ConvertRange((m_mcusY - 1) * m_mcuHeight, m_height);
+      m_converted = true;
     }
   } else {
     std::atomic<bool> free[64];
@@ -263,6 +273,7 @@ JERRCODE CJPEGDecoder::DecodeScan() {
   } else {
     if (JERRCODE s = EnsureCoefficientStore()) return s;
     for (int i = 0; i < m_scanCompCount; ++i) m_planeDone[m_scanComps[i]] = false;
+    m_converted = false;
     if (m_scanCompCount == 1) {
       // One component: an MCU is one block, over the blocks that hold samples.
       const int comp = m_scanComps[0];

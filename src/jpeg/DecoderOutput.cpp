@@ -5,6 +5,7 @@
 // the OpenMP team.
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "jpeg/CJPEGDecoder.h"
@@ -82,15 +83,15 @@ void CJPEGDecoder::TransformBlockRow(int c, int by, const int16_t* blocks) {
   const CJPEGColorComponent& comp = m_comp[c];
   if (by >= comp.usedBlocksY) return;
   const size_t offset = size_t(by) * 8 * m_planeStride[c];
-  if (m_precision > 8) {
-    const JpegKernels12& k = Kernels().twelve;
-    uint16_t* out = reinterpret_cast<uint16_t*>(m_plane[c]) + offset;
-    for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(blocks + bx * 64, m_dequant[c], out + bx * 8, m_planeStride[c]);
-    return;
-  }
-  const JpegKernels& k = Kernels();
-  uint8_t* out = m_plane[c] + offset;
-  for (int bx = 0; bx < comp.usedBlocksX; ++bx) k.idct_store(blocks + bx * 64, m_dequant[c], out + bx * 8, m_planeStride[c]);
+  auto run = [&](const auto& rows) {
+    using T = typename std::remove_reference_t<decltype(rows)>::T;
+    T* out = reinterpret_cast<T*>(m_plane[c]) + offset;
+    for (int bx = 0; bx < comp.usedBlocksX; ++bx) rows.Idct(blocks + bx * 64, m_dequant[c], out + bx * 8, m_planeStride[c]);
+  };
+  if (m_precision > 8)
+    run(JpegRows12{Kernels().twelve});
+  else
+    run(JpegRows8{Kernels()});
 }
 
 JERRCODE CJPEGDecoder::TransformPlanes() {

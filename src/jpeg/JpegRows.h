@@ -11,7 +11,6 @@ template <class Table, class Sample, int kMaxValue>
 struct JpegRows {
   using T = Sample;
   static constexpr int kMax = kMaxValue;
-  static constexpr int kCentre = (kMaxValue + 1) / 2;
   const Table& k;
   void ToYcc(const T* s, uint32_t ch, uint32_t red, T* y, T* cb, T* cr, uint32_t w) const {
     k.pixels_to_ycc(s, ch, red, y, cb, cr, w);

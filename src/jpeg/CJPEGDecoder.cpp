@@ -13,7 +13,7 @@ CJPEGDecoder::CJPEGDecoder() : m_threads(platform::MeasureTeamSize()) {}
 
 JERRCODE CJPEGDecoder::SetSource(CBaseStreamInput* stream) {
   if (JERRCODE s = m_in.Attach(stream)) return s;
-  m_frameFound = m_inScan = m_eoiFound = m_coefReady = m_transformed = false;
+  m_frameFound = m_inScan = m_eoiFound = m_coefReady = m_storeReady = false;
   m_jfifFound = m_adobeFound = m_exifFound = false;
   m_adobeTransform = -1;
   m_restartInterval = 0;
@@ -342,7 +342,6 @@ JERRCODE CJPEGDecoder::SetDestination(uint8_t* pointer, int step, IppiSize size,
 
 JERRCODE CJPEGDecoder::ReadData() {
   if (!m_frameFound || !m_dst) return JPEG_BAD_PARAMETER;
-  if (m_mode != JPEG_LOSSLESS && m_precision != 8) return JPEG_NOT_IMPLEMENTED;
   if (JERRCODE s = AllocateCoefficients()) return s;
   if (JERRCODE s = MarkerLoop(false)) return s;
   return WriteOutput();

@@ -6,6 +6,7 @@
 // the image the blocks are inverse-transformed and the rows upsampled and
 // colour-converted over the OpenMP team.
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "jpeg/BitStreamInput.h"
@@ -73,7 +74,10 @@ class CJPEGDecoder {
   JERRCODE DecodeLosslessScan();
   void WriteLosslessRows();
   JERRCODE ProcessRestart();
-  void DecodeMcu(int my, int mx);
+  // One MCU of a sequential scan of every component into `row`: per
+  // component, block row y of the MCU row, column bx at (y x blocksX + bx) x 64.
+  void DecodeMcu(int16_t* const row[4], int mx);
+  JERRCODE DecodeRowsDirect(const std::function<JERRCODE(bool)>& beforeMcu);
   bool QuantTablesDefined() const;
   void DecodeSequentialBlock(int16_t* coef, CJPEGColorComponent& c);
   void DecodeDcFirst(int16_t* coef, CJPEGColorComponent& c);
@@ -81,14 +85,23 @@ class CJPEGDecoder {
   void DecodeAcFirst(int16_t* coef);
   void DecodeAcRefine(int16_t* coef);
   JERRCODE AllocateCoefficients();
+  JERRCODE EnsureCoefficientStore();
   JERRCODE WriteOutput();
-  void TransformPlanes();
+  // The destination's checks, before any row is written.
+  JERRCODE CheckOutput() const;
+  // Output rows y0 .. y1 - 1 at full size, from planes already made.
+  void ConvertRange(int y0, int y1);
+  JERRCODE TransformPlanes();
   void MakeDequantTables();
-  void TransformBlockRow(int c, int by);
-  void ConvertRows();
-  void ConvertRowsReduced();
-  void ConvertRow(int y, uint8_t* dst, uint8_t* scratch, int rowBytes) const;
-  int RowScratchBytes() const;
+  // Block row `by` of component `c`, its blocks from `blocks` on.
+  void TransformBlockRow(int c, int by, const int16_t* blocks);
+  template <class Rows>
+  void ConvertRows(const Rows& kernels);
+  template <class Rows>
+  void ConvertRowsReduced(const Rows& kernels);
+  template <class Rows>
+  void ConvertRow(const Rows& kernels, int y, typename Rows::T* dst, typename Rows::T* scratch, int rowSamples) const;
+  int RowScratchSamples() const;
   int16_t* Block(int component, int bx, int by) {
     const CJPEGColorComponent& c = m_comp[component];
     return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;
@@ -130,12 +143,20 @@ class CJPEGDecoder {
   // Scratch: coefficient blocks, then the components' sample planes.
   CMemoryBuffer m_coefBuffer, m_planeBuffer;
   int16_t* m_coef[4] = {};
-  uint8_t* m_plane[4] = {};
+  uint8_t* m_plane[4] = {};      // samples of one byte, or of two at 12-bit precision
   uint16_t* m_samples[4] = {};  // lossless frames: the samples before the point transform
-  int m_planeStride[4] = {};
+  int m_planeStride[4] = {};     // in samples
   bool m_coefReady = false;
   bool m_scanned[4] = {};
-  bool m_transformed = false;  // the planes were made while the one scan decoded
+  bool m_storeReady = false;   // the whole frame's blocks are allocated
+  bool m_planeDone[4] = {};    // the component's plane was made while its scan decoded
+  // Rows of blocks that a sequential scan of every component decodes into,
+  // ahead of their inverse transform; made with the planes.
+  CMemoryBuffer m_slotBuffer;
+  CMemoryBuffer m_convertScratch;  // the row conversion's scratch when it runs behind the transforms
+  bool m_converted = false;        // the output rows were written behind the transforms
+  int m_slotCount = 1;
+  size_t m_slotBlocks = 0;
   int32_t m_dequant[4][64] = {};
   int m_threads = 1;
 };

@@ -24,8 +24,10 @@ JERRCODE CJPEGEncoder::SetSource(const uint8_t* pointer, int step, IppiSize size
   if (!pointer || size.width < 1 || size.height < 1 || size.width > 65535 || size.height > 65535 || channels < 1 ||
       channels > 4 || precision < 2 || precision > 16)
     return JPEG_BAD_PARAMETER;
-  // Samples of more than 8 bits are little-endian words, one channel (lossless frames).
-  if (precision > 8 && channels != 1) return JPEG_NOT_IMPLEMENTED;
+  // Samples of more than 8 bits are little-endian words: 12-bit pixels of any
+  // layout (extended and progressive frames), other depths one channel
+  // (lossless frames).
+  if (precision > 8 && precision != 12 && channels != 1) return JPEG_NOT_IMPLEMENTED;
   if (int64_t(step) < int64_t(size.width) * channels * (precision > 8 ? 2 : 1)) return JPEG_BAD_PARAMETER;
   (void)sampling;  // the source is interleaved pixels; its sampling is 4:4:4
   m_src = pointer;
@@ -47,7 +49,9 @@ JERRCODE CJPEGEncoder::SetComment(const char* text) {
 
 JERRCODE CJPEGEncoder::SetParams(JMODE mode, JCOLOR colour, JSS sampling, int restartInterval, bool huffmanOptimise,
                                  int quality) {
-  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE || m_precision != 8) return JPEG_NOT_IMPLEMENTED;
+  if (mode < JPEG_BASELINE || mode > JPEG_PROGRESSIVE) return JPEG_NOT_IMPLEMENTED;
+  // Baseline frames are 8-bit; extended and progressive ones 8- or 12-bit.
+  if (m_precision != 8 && (m_precision != 12 || mode == JPEG_BASELINE)) return JPEG_NOT_IMPLEMENTED;
   if (restartInterval < 0 || restartInterval > 65535) return JPEG_BAD_PARAMETER;
   m_mode = mode;
   m_jpegColour = colour;
@@ -117,6 +121,11 @@ void CJPEGEncoder::PrepareComponents() {
 }
 
 JERRCODE CJPEGEncoder::AllocateBuffers() {
+  if (!m_slotBuffer.Allocate(SlotBytes() * size_t(m_threads))) return JPEG_OUT_OF_MEMORY;
+  for (int i = 0; i < 4; ++i) m_coef[i] = nullptr;
+  // The row pipeline needs only the slots; optimised tables and progressive
+  // scans read the whole frame's blocks.
+  if (!m_optimise) return JPEG_OK;
   size_t blocks = 0;
   for (int i = 0; i < m_jpegChannels; ++i) blocks += size_t(m_comp[i].blocksX) * m_comp[i].blocksY;
   if (!m_coefBuffer.Allocate(blocks * 64 * sizeof(int16_t))) return JPEG_OUT_OF_MEMORY;
@@ -126,6 +135,38 @@ JERRCODE CJPEGEncoder::AllocateBuffers() {
     at += size_t(m_comp[i].blocksX) * m_comp[i].blocksY * 64;
   }
   return JPEG_OK;
+}
+
+size_t CJPEGEncoder::SlotScratchBytes() const {
+  // Four full-size and four downsampled planes of an MCU row, and one row of
+  // R, G, B, in samples of one or two bytes; rounded to whole cache lines.
+  const size_t paddedW = size_t(m_mcusX) * m_mcuWidth;
+  const size_t samples = paddedW * m_mcuHeight * 8 + paddedW * 3;
+  return (samples * (m_precision > 8 ? 2 : 1) + 63) / 64 * 64;
+}
+
+size_t CJPEGEncoder::SlotBytes() const {
+  size_t blocks = 0;
+  for (int i = 0; i < m_jpegChannels; ++i) blocks += size_t(m_comp[i].blocksX) * m_comp[i].v;
+  return SlotScratchBytes() + blocks * 64 * sizeof(int16_t);
+}
+
+uint8_t* CJPEGEncoder::SlotScratch(int thread) { return m_slotBuffer.Data() + SlotBytes() * size_t(thread); }
+
+CJPEGEncoder::CoefRow CJPEGEncoder::SlotRow(int thread) {
+  CoefRow row;
+  int16_t* at = reinterpret_cast<int16_t*>(SlotScratch(thread) + SlotScratchBytes());
+  for (int i = 0; i < m_jpegChannels; ++i) {
+    row.comp[i] = at;
+    at += size_t(m_comp[i].blocksX) * m_comp[i].v * 64;
+  }
+  return row;
+}
+
+CJPEGEncoder::CoefRow CJPEGEncoder::FrameRow(int mcuRow) {
+  CoefRow row;
+  for (int i = 0; i < m_jpegChannels; ++i) row.comp[i] = Block(i, 0, mcuRow * m_comp[i].v);
+  return row;
 }
 
 JERRCODE CJPEGEncoder::WriteQuantTable(int index) {

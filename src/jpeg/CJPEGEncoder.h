@@ -54,9 +54,21 @@ class CJPEGEncoder {
   JERRCODE WriteScanHeader(int count, const int* components, int ss, int se, int ah, int al);
   void PrepareComponents();
   JERRCODE AllocateBuffers();
-  void TransformRow(int mcuRow, std::vector<uint8_t>& scratch);
+  // The blocks of one MCU row, per component: block row by (0 .. v - 1 of
+  // the row), column bx at (by x blocksX + bx) x 64.
+  struct CoefRow {
+    int16_t* comp[4] = {};
+  };
+  CoefRow FrameRow(int mcuRow);
+  CoefRow SlotRow(int thread);
+  uint8_t* SlotScratch(int thread);
+  size_t SlotScratchBytes() const;
+  size_t SlotBytes() const;
+  void TransformRow(int mcuRow, uint8_t* scratch, const CoefRow& dst);
+  template <class Rows>
+  void TransformRowOf(const Rows& kernels, int mcuRow, uint8_t* scratch, const CoefRow& dst);
   void TransformAll();
-  JERRCODE CodeRow(int mcuRow, int& restartsLeft, int& nextRestart);
+  JERRCODE CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart);
   JERRCODE CodeSequential();
   JERRCODE FlushBits();
   JERRCODE WriteRestartMarker(int& nextRestart);
@@ -64,7 +76,7 @@ class CJPEGEncoder {
   JERRCODE WriteProgressive();
   JERRCODE WriteLossless();
   void LosslessDifferences(std::vector<uint16_t>& diffs);
-  int16_t* Block(int component, int bx, int by) {
+  int16_t* Block(int component, int bx, int by) {  // in the whole-frame store
     const CJPEGColorComponent& c = m_comp[component];
     return m_coef[component] + (size_t(by) * c.blocksX + bx) * 64;
   }
@@ -99,7 +111,10 @@ class CJPEGEncoder {
   CJPEGEncoderHuffmanTable m_dcTable[4], m_acTable[4];
   CJPEGEncoderHuffmanState m_state;
   CMemoryBuffer m_coefBuffer;  // every block is written before it is read
-  int16_t* m_coef[4] = {};     // each component's blocks, whole MCUs of the frame
+  int16_t* m_coef[4] = {};     // each component's blocks, whole MCUs of the frame (optimised and progressive)
+  // One slot per thread, made once in SetParams: the row conversion's
+  // scratch, then one MCU row of blocks for the row pipeline.
+  CMemoryBuffer m_slotBuffer;
 };
 
 }  // namespace kestrelink::jpeg

@@ -2,6 +2,7 @@
 // blocks, and the four kinds of progressive scan (DC first and refinement,
 // AC first and refinement with end-of-band runs). Coefficients are stored in
 // natural order; damaged codes give zeros, never a write outside the block.
+#include <atomic>
 #include <cstring>
 
 #include "jpeg/CJPEGDecoder.h"
@@ -114,13 +115,91 @@ void CJPEGDecoder::DecodeAcRefine(int16_t* coef) {
   }
 }
 
-void CJPEGDecoder::DecodeMcu(int my, int mx) {
+void CJPEGDecoder::DecodeMcu(int16_t* const row[4], int mx) {
   for (int i = 0; i < m_scanCompCount; ++i) {
     const int comp = m_scanComps[i];
     CJPEGColorComponent& c = m_comp[comp];
     for (int y = 0; y < c.v; ++y)
-      for (int x = 0; x < c.h; ++x) DecodeSequentialBlock(Block(comp, mx * c.h + x, my * c.v + y), c);
+      for (int x = 0; x < c.h; ++x)
+        DecodeSequentialBlock(row[comp] + (size_t(y) * c.blocksX + size_t(mx) * c.h + x) * 64, c);
   }
+}
+
+// A sequential scan of every component: each MCU row is decoded into a slot
+// and inverse-transformed straight into the planes. With a team, one thread
+// decodes the rows in order and hands each row's transform to the team as a
+// task; a slot is taken again once its last row's transform is done.
+// No per-block or per-row allocation: the slots are made with the planes.
+JERRCODE CJPEGDecoder::DecodeRowsDirect(const std::function<JERRCODE(bool)>& beforeMcu) {
+  MakeDequantTables();
+  auto slot = [&](int my, int16_t* row[4]) {
+    int16_t* at = reinterpret_cast<int16_t*>(m_slotBuffer.Data()) + size_t(my % m_slotCount) * m_slotBlocks * 64;
+    for (int c = 0; c < m_channels; ++c) {
+      row[c] = at;
+      at += size_t(m_comp[c].blocksX) * m_comp[c].v * 64;
+    }
+  };
+  auto decodeRow = [&](int my, int16_t* const row[4]) -> JERRCODE {
+    for (int mx = 0; mx < m_mcusX; ++mx) {
+      if (JERRCODE s = beforeMcu(mx == 0 && my == 0)) return s;
+      DecodeMcu(row, mx);
+    }
+    return JPEG_OK;
+  };
+  auto transformRow = [&](int my, int16_t* const row[4]) {
+    for (int c = 0; c < m_channels; ++c)
+      for (int y = 0; y < m_comp[c].v; ++y)
+        TransformBlockRow(c, my * m_comp[c].v + y, row[c] + size_t(y) * m_comp[c].blocksX * 64);
+  };
+  JERRCODE status = JPEG_OK;
+  if (m_slotCount == 1) {
+    // One thread: each MCU row's output rows are converted once the row
+    // below is transformed (the upsampling looks one chroma row ahead), while
+    // the planes are still in the cache.
+    const bool convert = m_dctScale == 1 && m_dst && CheckOutput() == JPEG_OK;
+    int16_t* row[4];
+    slot(0, row);
+    for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
+      status = decodeRow(my, row);
+      if (status != JPEG_OK) break;
+      transformRow(my, row);
+      if (convert && my > 0) ConvertRange((my - 1) * m_mcuHeight, my * m_mcuHeight);
+    }
+    if (convert && status == JPEG_OK) {
+      ConvertRange((m_mcusY - 1) * m_mcuHeight, m_height);
+      m_converted = true;
+    }
+  } else {
+    std::atomic<bool> free[64];
+    for (int i = 0; i < m_slotCount; ++i) free[i].store(true, std::memory_order_relaxed);
+#pragma omp parallel num_threads(m_threads)
+#pragma omp single
+    {
+      for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
+        std::atomic<bool>& mine = free[my % m_slotCount];
+        if (!mine.load(std::memory_order_acquire)) {
+          // The transforms are a whole ring behind: wait for them (running
+          // them here if the team is one thread).
+#pragma omp taskwait
+        }
+        mine.store(false, std::memory_order_relaxed);
+        int16_t* row[4];
+        slot(my, row);
+        status = decodeRow(my, row);
+        if (status != JPEG_OK) break;
+#pragma omp task firstprivate(my)
+        {
+          int16_t* taskRow[4];
+          slot(my, taskRow);
+          transformRow(my, taskRow);
+          free[my % m_slotCount].store(true, std::memory_order_release);
+        }
+      }
+    }
+  }
+  if (status != JPEG_OK) return status;
+  for (int c = 0; c < m_channels; ++c) m_planeDone[c] = true;
+  return JPEG_OK;
 }
 
 bool CJPEGDecoder::QuantTablesDefined() const {
@@ -179,7 +258,7 @@ JERRCODE CJPEGDecoder::DecodeScan() {
   };
 
   int restartsLeft = m_restartInterval;
-  auto beforeMcu = [&](bool first) -> JERRCODE {
+  const std::function<JERRCODE(bool)> beforeMcu = [&](bool first) -> JERRCODE {
     if (m_restartInterval == 0) return JPEG_OK;
     if (restartsLeft == 0 && !first) {
       if (JERRCODE s = ProcessRestart()) return s;
@@ -189,49 +268,33 @@ JERRCODE CJPEGDecoder::DecodeScan() {
     return JPEG_OK;
   };
 
-  if (m_scanCompCount == 1) {
-    m_transformed = false;
-    // One component: an MCU is one block, over the blocks that hold samples.
-    const int comp = m_scanComps[0];
-    const CJPEGColorComponent& c = m_comp[comp];
-    for (int by = 0; by < c.usedBlocksY; ++by)
-      for (int bx = 0; bx < c.usedBlocksX; ++bx) {
-        if (JERRCODE s = beforeMcu(bx == 0 && by == 0)) return s;
-        decodeBlock(comp, bx, by);
-      }
-  } else if (kind == kSequential && m_scanCompCount == m_channels && m_threads > 1 && QuantTablesDefined()) {
-    // A sequential scan of every component: as each MCU row is decoded, its
-    // inverse transform goes to the team as a task, behind the decoding.
-    MakeDequantTables();
-    JERRCODE status = JPEG_OK;
-#pragma omp parallel num_threads(m_threads)
-#pragma omp single
-    {
-      for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
-        for (int mx = 0; mx < m_mcusX && status == JPEG_OK; ++mx) {
-          status = beforeMcu(mx == 0 && my == 0);
-          if (status == JPEG_OK) DecodeMcu(my, mx);
-        }
-        if (status != JPEG_OK) break;
-#pragma omp task firstprivate(my)
-        for (int c = 0; c < m_channels; ++c)
-          for (int y = 0; y < m_comp[c].v; ++y) TransformBlockRow(c, my * m_comp[c].v + y);
-      }
-    }
-    if (status != JPEG_OK) return status;
-    m_transformed = true;
+  if (kind == kSequential && m_scanCompCount == m_channels && QuantTablesDefined()) {
+    if (JERRCODE s = DecodeRowsDirect(beforeMcu)) return s;
   } else {
-    m_transformed = false;
-    for (int my = 0; my < m_mcusY; ++my)
-      for (int mx = 0; mx < m_mcusX; ++mx) {
-        if (JERRCODE s = beforeMcu(mx == 0 && my == 0)) return s;
-        for (int i = 0; i < m_scanCompCount; ++i) {
-          const int comp = m_scanComps[i];
-          const CJPEGColorComponent& c = m_comp[comp];
-          for (int y = 0; y < c.v; ++y)
-            for (int x = 0; x < c.h; ++x) decodeBlock(comp, mx * c.h + x, my * c.v + y);
+    if (JERRCODE s = EnsureCoefficientStore()) return s;
+    for (int i = 0; i < m_scanCompCount; ++i) m_planeDone[m_scanComps[i]] = false;
+    m_converted = false;
+    if (m_scanCompCount == 1) {
+      // One component: an MCU is one block, over the blocks that hold samples.
+      const int comp = m_scanComps[0];
+      const CJPEGColorComponent& c = m_comp[comp];
+      for (int by = 0; by < c.usedBlocksY; ++by)
+        for (int bx = 0; bx < c.usedBlocksX; ++bx) {
+          if (JERRCODE s = beforeMcu(bx == 0 && by == 0)) return s;
+          decodeBlock(comp, bx, by);
         }
-      }
+    } else {
+      for (int my = 0; my < m_mcusY; ++my)
+        for (int mx = 0; mx < m_mcusX; ++mx) {
+          if (JERRCODE s = beforeMcu(mx == 0 && my == 0)) return s;
+          for (int i = 0; i < m_scanCompCount; ++i) {
+            const int comp = m_scanComps[i];
+            const CJPEGColorComponent& c = m_comp[comp];
+            for (int y = 0; y < c.v; ++y)
+              for (int x = 0; x < c.h; ++x) decodeBlock(comp, mx * c.h + x, my * c.v + y);
+          }
+        }
+    }
   }
   // A stream that ends inside its scan data is a truncated file.
   if (m_bits.m_ranOut) return JPEG_BUFF_TOO_SMALL;

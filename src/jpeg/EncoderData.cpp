@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include <omp.h>
+
 #include "jpeg/CJPEGEncoder.h"
+#include "jpeg/JpegRows.h"
 
 namespace kestrelink::jpeg {
 namespace {
@@ -14,71 +17,84 @@ namespace {
 // Worst case of one block's bytes, stuffing included.
 constexpr uint32_t kBlockBytes = 640;
 
+template <class T>
+void FillPadding(T* row, int w, int paddedW) {
+  std::fill(row + w, row + paddedW, row[w - 1]);
+}
+
 }  // namespace
 
-void CJPEGEncoder::TransformRow(int mcuRow, std::vector<uint8_t>& scratch) {
-  const JpegKernels& k = Kernels();
+void CJPEGEncoder::TransformRow(int mcuRow, uint8_t* scratch, const CoefRow& dst) {
+  if (m_precision > 8)
+    TransformRowOf(JpegRows12{Kernels().twelve}, mcuRow, scratch, dst);
+  else
+    TransformRowOf(JpegRows8{Kernels()}, mcuRow, scratch, dst);
+}
+
+template <class Rows>
+void CJPEGEncoder::TransformRowOf(const Rows& k, int mcuRow, uint8_t* scratch, const CoefRow& dst) {
+  using T = typename Rows::T;
   const int paddedW = m_mcusX * m_mcuWidth, rows = m_mcuHeight;
-  const size_t planeBytes = size_t(paddedW) * rows;
-  scratch.resize(planeBytes * 2 * 4 + size_t(paddedW) * 3);
-  uint8_t* full[4];
-  uint8_t* down[4];
+  const size_t planeSamples = size_t(paddedW) * rows;
+  T* const base = reinterpret_cast<T*>(scratch);
+  T* full[4];
+  T* down[4];
   for (int c = 0; c < 4; ++c) {
-    full[c] = scratch.data() + planeBytes * c;
-    down[c] = scratch.data() + planeBytes * (4 + c);
+    full[c] = base + planeSamples * c;
+    down[c] = base + planeSamples * (4 + c);
   }
-  const int w = m_size.width;
+  const int w = m_size.width, ch = m_srcChannels;
   const uint32_t red = m_srcColour == JC_RGB ? 0 : 2;
   for (int i = 0; i < rows; ++i) {
     const int y = std::min(mcuRow * rows + i, m_size.height - 1);
-    const uint8_t* src = m_src + size_t(y) * m_srcStep;
-    uint8_t* out[4];
+    const T* src = reinterpret_cast<const T*>(m_src + size_t(y) * m_srcStep);
+    T* out[4];
     for (int c = 0; c < m_jpegChannels; ++c) out[c] = full[c] + size_t(i) * paddedW;
     if (m_jpegColour == JC_GRAY) {
-      std::memcpy(out[0], src, size_t(w));
+      std::memcpy(out[0], src, size_t(w) * sizeof(T));
     } else if (m_jpegColour == JC_YCBCR) {
-      k.pixels_to_ycc(src, uint32_t(m_srcChannels), red, out[0], out[1], out[2], uint32_t(w));
+      k.ToYcc(src, uint32_t(ch), red, out[0], out[1], out[2], uint32_t(w));
     } else if (m_jpegColour == JC_CMYK) {
       for (int x = 0; x < w; ++x)
         for (int c = 0; c < 4; ++c) out[c][x] = src[x * 4 + c];
     } else if (m_jpegColour == JC_YCCK) {
       // The inks' complements are R, G, B; those go to YCbCr, K as it stands.
-      uint8_t* rgb = scratch.data() + planeBytes * 8;  // one row of R, G, B past the planes
+      T* rgb = base + planeSamples * 8;  // one row of R, G, B past the planes
       for (int x = 0; x < w; ++x) {
-        for (int c = 0; c < 3; ++c) rgb[x * 3 + c] = uint8_t(255 - src[x * 4 + c]);
+        for (int c = 0; c < 3; ++c) rgb[x * 3 + c] = T(Rows::kMax - src[x * 4 + c]);
         out[3][x] = src[x * 4 + 3];
       }
-      k.pixels_to_ycc(rgb, 3, 0, out[0], out[1], out[2], uint32_t(w));
+      k.ToYcc(rgb, 3, 0, out[0], out[1], out[2], uint32_t(w));
     } else {  // RGB as it stands, red first
       for (int x = 0; x < w; ++x) {
-        out[0][x] = src[x * m_srcChannels + red];
-        out[1][x] = src[x * m_srcChannels + 1];
-        out[2][x] = src[x * m_srcChannels + 2 - red];
+        out[0][x] = src[x * ch + red];
+        out[1][x] = src[x * ch + 1];
+        out[2][x] = src[x * ch + 2 - red];
       }
     }
     // The padding columns repeat the last pixel.
-    for (int c = 0; c < m_jpegChannels; ++c) std::memset(out[c] + w, out[c][w - 1], size_t(paddedW - w));
+    for (int c = 0; c < m_jpegChannels; ++c) FillPadding(out[c], w, paddedW);
   }
   const int hmax = m_mcuWidth / 8, vmax = m_mcuHeight / 8;
   for (int c = 0; c < m_jpegChannels; ++c) {
     const CJPEGColorComponent& comp = m_comp[c];
-    const uint8_t* plane = full[c];
+    const T* plane = full[c];
     const int stride = comp.blocksX * 8;
     if (comp.h != hmax || comp.v != vmax) {
       const int outRows = comp.v * 8;
       for (int i = 0; i < outRows; ++i) {
-        uint8_t* dst = down[c] + size_t(i) * stride;
+        T* dst = down[c] + size_t(i) * stride;
         if (hmax == 2 && vmax == 2)
-          k.down_h2v2(full[c] + size_t(2 * i) * paddedW, full[c] + size_t(2 * i + 1) * paddedW, dst, uint32_t(stride));
+          k.DownH2V2(full[c] + size_t(2 * i) * paddedW, full[c] + size_t(2 * i + 1) * paddedW, dst, uint32_t(stride));
         else
-          k.down_h2v1(full[c] + size_t(i) * paddedW, dst, uint32_t(stride));
+          k.DownH2V1(full[c] + size_t(i) * paddedW, dst, uint32_t(stride));
       }
       plane = down[c];
     }
     const ForwardQuant& q = m_quant[comp.quantTable].quant;
     for (int by = 0; by < comp.v; ++by)
       for (int bx = 0; bx < comp.blocksX; ++bx)
-        k.fdct_quant(plane + size_t(by) * 8 * stride + bx * 8, stride, q, Block(c, bx, mcuRow * comp.v + by));
+        k.Fdct(plane + size_t(by) * 8 * stride + bx * 8, stride, q, dst.comp[c] + (size_t(by) * comp.blocksX + bx) * 64);
   }
 }
 
@@ -87,14 +103,14 @@ void CJPEGEncoder::TransformAll() {
   const int rows = m_mcusY;
 #pragma omp parallel num_threads(m_threads)
   {
-    std::vector<uint8_t> scratch;
+    uint8_t* scratch = SlotScratch(omp_get_thread_num());
 #pragma omp for schedule(static)
-    for (int r = 0; r < rows; ++r) TransformRow(r, scratch);
+    for (int r = 0; r < rows; ++r) TransformRow(r, scratch, FrameRow(r));
   }
   m_coefReady = true;
 }
 
-JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) {
+JERRCODE CJPEGEncoder::CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart) {
   const int perMcu = [&] {
     int n = 0;
     for (int c = 0; c < m_jpegChannels; ++c) n += m_comp[c].h * m_comp[c].v;
@@ -116,7 +132,7 @@ JERRCODE CJPEGEncoder::CodeRow(int mcuRow, int& restartsLeft, int& nextRestart) 
       CJPEGColorComponent& comp = m_comp[c];
       for (int by = 0; by < comp.v; ++by)
         for (int bx = 0; bx < comp.h; ++bx)
-          EncodeBlock(m_state, Block(c, mx * comp.h + bx, mcuRow * comp.v + by), comp.lastDc,
+          EncodeBlock(m_state, row.comp[c] + (size_t(by) * comp.blocksX + mx * comp.h + bx) * 64, comp.lastDc,
                       m_dcTable[comp.dcTable], m_acTable[comp.acTable]);
     }
     m_out.Advance(uint32_t(m_state.m_out - base));
@@ -165,25 +181,27 @@ JERRCODE CJPEGEncoder::CodeSequential() {
   JERRCODE status = JPEG_OK;
   const int rows = m_mcusY;
   if (m_coefReady || m_threads <= 1) {
-    std::vector<uint8_t> scratch;
+    const CoefRow slot = SlotRow(0);
     for (int r = 0; r < rows && status == JPEG_OK; ++r) {
-      if (!m_coefReady) TransformRow(r, scratch);
-      status = CodeRow(r, restartsLeft, nextRestart);
+      if (!m_coefReady) TransformRow(r, SlotScratch(0), slot);
+      status = CodeRow(m_coefReady ? FrameRow(r) : slot, restartsLeft, nextRestart);
     }
   } else {
-    // The row pipeline: rows go round the team, their transforms overlap, and
-    // the ordered section codes them one after another in row order.
+    // The row pipeline: rows go round the team, each into its thread's slot;
+    // their transforms overlap, and the ordered section codes them one after
+    // another in row order.
     bool failed = false;
 #pragma omp parallel num_threads(m_threads)
     {
-      std::vector<uint8_t> scratch;
+      const int thread = omp_get_thread_num();
+      const CoefRow slot = SlotRow(thread);
 #pragma omp for ordered schedule(static, 1)
       for (int r = 0; r < rows; ++r) {
-        TransformRow(r, scratch);
+        TransformRow(r, SlotScratch(thread), slot);
 #pragma omp ordered
         {
           if (!failed) {
-            const JERRCODE s = CodeRow(r, restartsLeft, nextRestart);
+            const JERRCODE s = CodeRow(slot, restartsLeft, nextRestart);
             if (s != JPEG_OK) {
               status = s;
               failed = true;

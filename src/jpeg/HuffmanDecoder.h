@@ -38,6 +38,19 @@ class CJPEGDecoderHuffmanState {
     m_atMarker = false;
   }
   void Fill() {
+    // Eight bytes at once when none of them is 0xFF (no stuffing, no marker).
+    if (!m_atMarker && m_in->Available() >= 8) {
+      uint64_t w;
+      __builtin_memcpy(&w, m_in->Current(), 8);
+      if ((((~w) - 0x0101010101010101ull) & w & 0x8080808080808080ull) == 0) {
+        const int bytes = (64 - m_bits) >> 3;
+        w = __builtin_bswap64(w) >> (64 - 8 * bytes);
+        m_acc |= w << (64 - m_bits - 8 * bytes);
+        m_bits += 8 * bytes;
+        m_in->Advance(uint32_t(bytes));
+        return;
+      }
+    }
     while (m_bits <= 56) {
       uint64_t b = 0;
       if (!m_atMarker) {

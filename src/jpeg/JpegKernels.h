@@ -1,5 +1,5 @@
 #pragma once
-// Block and row kernels of the JPEG codec, one table per processor variant
+// Block and row kernels of the JPEG codec (8-bit samples, and 12-bit ones in `twelve`), one table per processor variant
 // (portable, AVX2, AVX-512; all compiled from JpegKernelBody.h, so every
 // variant gives the same bytes as the portable one).
 //
@@ -20,6 +20,19 @@ namespace kestrelink::jpeg {
 struct ForwardQuant {
   alignas(64) float scale[64];
   alignas(64) int32_t half[64];
+};
+
+// The same kernels on 12-bit samples held in 16-bit words (steps in samples).
+struct JpegKernels12 {
+  void (*fdct_quant)(const uint16_t* src, intptr_t step, const ForwardQuant& quant, int16_t* zigzag);
+  void (*idct_store)(const int16_t* coef, const int32_t* dequant, uint16_t* dst, intptr_t step);
+  void (*pixels_to_ycc)(const uint16_t* src, uint32_t channels, uint32_t red, uint16_t* y, uint16_t* cb,
+                        uint16_t* cr, uint32_t w);
+  void (*ycc_to_pixels)(const uint16_t* y, const uint16_t* cb, const uint16_t* cr, uint16_t* dst, uint32_t channels,
+                        uint32_t red, uint32_t w);
+  void (*down_h2v1)(const uint16_t* src, uint16_t* dst, uint32_t w);
+  void (*down_h2v2)(const uint16_t* src0, const uint16_t* src1, uint16_t* dst, uint32_t w);
+  void (*up_h2)(const uint16_t* near, const uint16_t* far, uint16_t* dst, uint32_t w);
 };
 
 struct JpegKernels {
@@ -45,6 +58,9 @@ struct JpegKernels {
   // give 3 x near + far per column first when `far` is not null (the vertical
   // step of 2 x 2 sampling), else the row itself.
   void (*up_h2)(const uint8_t* near, const uint8_t* far, uint8_t* dst, uint32_t w);
+  // 12-bit precision: samples 0 .. 4095, centred on 2048, with one guard
+  // bit between the transform's passes where 8-bit samples keep two.
+  JpegKernels12 twelve;
 };
 
 extern const JpegKernels kJpegKernelsPortable;
@@ -63,5 +79,9 @@ void MakeDequant(const uint16_t zigzagTable[64], int32_t dequant[64]);
 // frequency) of the k-th zigzag coefficient, the forward transform's own
 // order; 16 extra entries past 63 point at 63.
 extern const uint8_t kZigzagToTransposed[64 + 16];
+
+// kDctBasis[k * 8 + n]: the orthonormal transform's basis, c(k) cos((2n + 1)
+// k pi / 16), c(0) = sqrt(1/8), else 1/2.
+extern const float kDctBasis[64];
 
 }  // namespace kestrelink::jpeg

@@ -1,13 +1,15 @@
 // The block kernels against the transforms written out in double precision:
 // the inverse transform within the accuracy bounds of the IEEE 1180 test
 // (peak error 1, mean square error 0.06 per sample and 0.02 overall, mean
-// error 0.015 per sample and 0.0015 overall) on 8-bit output, and the
+// error 0.015 per sample and 0.0015 overall) on 8- and 12-bit output, and the
 // forward transform with quantisation within half a step, plus one unit of
 // the coefficient, of the exact quotient.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
+#include <string>
 
 #include "jpeg/JpegKernels.h"
 #include "jpeg/JpegTables.h"
@@ -38,17 +40,38 @@ void Separable(const double in[64], double out[64], bool forward) {
 void ForwardExact(const double in[64], double out[64]) { Separable(in, out, true); }
 void InverseExact(const double in[64], double out[64]) { Separable(in, out, false); }
 
+// The inverse transform of rounded exact coefficients into samples of
+// `precision` bits, as the kernel of that precision stores them.
+void InverseOurs(const JpegKernels& k, int precision, const int16_t coef[64], int out[64]) {
+  int32_t ones[64];
+  for (int32_t& q : ones) q = 1;
+  if (precision == 12) {
+    uint16_t samples[64];
+    k.twelve.idct_store(coef, ones, samples, 8);
+    for (int i = 0; i < 64; ++i) out[i] = samples[i];
+  } else {
+    uint8_t samples[64];
+    k.idct_store(coef, ones, samples, 8);
+    for (int i = 0; i < 64; ++i) out[i] = samples[i];
+  }
+}
+
 TEST(JpegKernels, InverseTransformMeetsIeee1180Bounds) {
+  struct Case {
+    int precision, range;
+  };
+  // Sample ranges of the accuracy test, at 8 bits and scaled up to 12.
+  const Case cases[] = {{8, 128}, {8, 5}, {12, 2048}, {12, 300}, {12, 5}};
   for (auto variant : testsupport::RunnableVariants()) {
     testsupport::ScopedVariant scoped(variant);
     const JpegKernels& k = Kernels();
-    for (int range : {128, 5}) {
-      std::mt19937 rng(uint32_t(range) * 7 + 1);
+    for (const Case& cs : cases) {
+      const int range = cs.range, centre = 1 << (cs.precision - 1), top = 2 * centre - 1;
+      const double limit = cs.precision == 12 ? 32767.0 : 2047.0;
+      std::mt19937 rng(uint32_t(range) * 7 + uint32_t(cs.precision));
       double sumErr[64] = {}, sumSq[64] = {};
       int peak = 0;
       const int blocks = 4000;
-      int32_t ones[64];
-      for (int& q : ones) q = 1;
       for (int b = 0; b < blocks; ++b) {
         double pixels[64], coef[64], exact[64];
         for (double& p : pixels) p = int(rng() % uint32_t(2 * range)) - range;
@@ -56,58 +79,119 @@ TEST(JpegKernels, InverseTransformMeetsIeee1180Bounds) {
         int16_t rounded[64];
         double roundedD[64];
         for (int i = 0; i < 64; ++i) {
-          const double r = std::clamp(std::nearbyint(coef[i]), -2048.0, 2047.0);
+          const double r = std::clamp(std::nearbyint(coef[i]), -limit - 1, limit);
           rounded[i] = int16_t(r);
           roundedD[i] = r;
         }
         InverseExact(roundedD, exact);
-        uint8_t ours[64];
-        k.idct_store(rounded, ones, ours, 8);
+        int ours[64];
+        InverseOurs(k, cs.precision, rounded, ours);
         for (int i = 0; i < 64; ++i) {
-          const double ref = std::clamp(std::nearbyint(exact[i]) + 128, 0.0, 255.0);
+          const double ref = std::clamp(std::nearbyint(exact[i]) + centre, 0.0, double(top));
           const double e = double(ours[i]) - ref;
           peak = std::max(peak, int(std::abs(e)));
           sumErr[i] += e;
           sumSq[i] += e * e;
         }
       }
+      const std::string where = std::string(kestrelink::VariantName(variant)) + " precision " +
+                                std::to_string(cs.precision) + " range " + std::to_string(range);
       double overallSq = 0, overallErr = 0;
       for (int i = 0; i < 64; ++i) {
-        EXPECT_LE(sumSq[i] / blocks, 0.06) << kestrelink::VariantName(variant) << " range " << range << " at " << i;
-        EXPECT_LE(std::abs(sumErr[i]) / blocks, 0.015) << kestrelink::VariantName(variant) << " at " << i;
+        EXPECT_LE(sumSq[i] / blocks, 0.06) << where << " at " << i;
+        EXPECT_LE(std::abs(sumErr[i]) / blocks, 0.015) << where << " at " << i;
         overallSq += sumSq[i];
         overallErr += sumErr[i];
       }
-      EXPECT_LE(peak, 1) << kestrelink::VariantName(variant);
-      EXPECT_LE(overallSq / (64.0 * blocks), 0.02);
-      EXPECT_LE(std::abs(overallErr) / (64.0 * blocks), 0.0015);
+      EXPECT_LE(peak, 1) << where;
+      EXPECT_LE(overallSq / (64.0 * blocks), 0.02) << where;
+      EXPECT_LE(std::abs(overallErr) / (64.0 * blocks), 0.0015) << where;
     }
   }
 }
 
 TEST(JpegKernels, ForwardTransformQuantisesWithinOneStep) {
+  std::mt19937 rng(5);
+  // Quality 90 tables, and at 12 bits also tables of ones (the largest
+  // quotients) to show that no sum loses its top bits.
+  for (int precision : {8, 12})
+    for (int quality : {90, 100}) {
+      uint16_t table[64];
+      ScaleQuantTable(kLumaQuantZigzag, quality, table);
+      ForwardQuant quant;
+      MakeForwardQuant(table, quant);
+      const int centre = 1 << (precision - 1);
+      for (auto variant : testsupport::RunnableVariants()) {
+        testsupport::ScopedVariant scoped(variant);
+        for (int b = 0; b < 500; ++b) {
+          uint8_t samples8[64];
+          uint16_t samples12[64];
+          double centred[64], exact[64];
+          // Every fourth block a checkerboard of the extremes, the largest coefficients.
+          for (int i = 0; i < 64; ++i) {
+            const int v = (b & 3) == 0 ? (((i >> 3) + i + b / 4) & 1) * (2 * centre - 1) : int(rng() % (2u * centre));
+            samples8[i] = uint8_t(v);
+            samples12[i] = uint16_t(v);
+            centred[i] = v - double(centre);
+          }
+          ForwardExact(centred, exact);
+          int16_t zigzag[64];
+          if (precision == 12)
+            Kernels().twelve.fdct_quant(samples12, 8, quant, zigzag);
+          else
+            Kernels().fdct_quant(samples8, 8, quant, zigzag);
+          for (int z = 0; z < 64; ++z) {
+            const double quotient = exact[kZigzagToNatural[z]] / table[z];
+            // Rounding gives half a step; the integer transform adds at most one unit of the coefficient.
+            ASSERT_LE(std::abs(zigzag[z] - quotient), 0.5 + 1.0 / table[z])
+                << kestrelink::VariantName(variant) << " precision " << precision << " zigzag " << z;
+          }
+        }
+      }
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// The vector block kernels against the portable ones, sample for sample:
+// camera-like blocks, extreme ones, blocks of DC alone, and coefficients no
+// stream of sense holds (whose sums wrap the same way in every variant).
+TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
+  std::mt19937 rng(11);
   uint16_t table[64];
-  ScaleQuantTable(kLumaQuantZigzag, 90, table);
+  ScaleQuantTable(kLumaQuantZigzag, 75, table);
   ForwardQuant quant;
   MakeForwardQuant(table, quant);
-  std::mt19937 rng(5);
-  for (auto variant : testsupport::RunnableVariants()) {
-    testsupport::ScopedVariant scoped(variant);
-    for (int b = 0; b < 500; ++b) {
-      uint8_t samples[64];
-      double centred[64], exact[64];
-      for (int i = 0; i < 64; ++i) {
-        samples[i] = uint8_t(rng());
-        centred[i] = samples[i] - 128.0;
-      }
-      ForwardExact(centred, exact);
+  int32_t dequant[64], huge[64];
+  MakeDequant(table, dequant);
+  for (int32_t& q : huge) q = 65535;
+  for (int b = 0; b < 300; ++b) {
+    alignas(64) uint8_t samples[16 * 8];
+    alignas(64) int16_t coef[64];
+    for (uint8_t& s : samples) s = b % 3 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+    for (int16_t& c : coef) c = int16_t(b % 2 ? int(rng() % 65536) - 32768 : int(rng() % 61) - 30);
+    if (b % 5 >= 3) std::fill(coef + 1, coef + 64, int16_t(0));  // DC alone, of every size
+    if (b % 5 == 4 && b % 2) coef[16 * (b % 3 + 1)] = int16_t(b);  // and DC with one more in the first column
+    const int32_t* dq = b % 4 == 1 ? huge : dequant;
+    int16_t zigzagRef[64];
+    uint8_t outRef[8 * 16];
+    {
+      testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+      Kernels().fdct_quant(samples + 3, 16, quant, zigzagRef);
+      Kernels().idct_store(coef, dq, outRef, 16);
+    }
+    for (auto variant : testsupport::RunnableVariants()) {
+      testsupport::ScopedVariant scoped(variant);
       int16_t zigzag[64];
-      Kernels().fdct_quant(samples, 8, quant, zigzag);
-      for (int z = 0; z < 64; ++z) {
-        const double quotient = exact[kZigzagToNatural[z]] / table[z];
-        // Rounding gives half a step; the integer transform adds at most one unit of the coefficient.
-        ASSERT_LE(std::abs(zigzag[z] - quotient), 0.5 + 1.0 / table[z])
-            << kestrelink::VariantName(variant) << " zigzag " << z;
+      uint8_t out[8 * 16];
+      Kernels().fdct_quant(samples + 3, 16, quant, zigzag);
+      Kernels().idct_store(coef, dq, out, 16);
+      for (int i = 0; i < 64; ++i) {
+        ASSERT_EQ(zigzag[i], zigzagRef[i]) << kestrelink::VariantName(variant) << " block " << b << " at " << i;
+        ASSERT_EQ(out[(i / 8) * 16 + i % 8], outRef[(i / 8) * 16 + i % 8])
+            << kestrelink::VariantName(variant) << " block " << b << " at " << i;
       }
     }
   }

@@ -469,6 +469,12 @@ grep -q "^scans: 10" "$work/info.txt" || fail "jpeg info: the progressive script
 grep -q "component 1: sampling 2x2" "$work/info.txt" || fail "jpeg info: luma sampling"
 "$tool" jpeg decode "$work/colour.jpg" "$work/colour.png" || fail "jpeg decode of a progressive stream: exit $?"
 expect_png "$work/colour.png" 41 30 8 2
+# A 12-bit extended frame decodes to a 16-bit PNG.
+deep="$(dirname "$0")/../../fuzz/corpus/jpeg_decode/ours-extended-12bit-restart.jpg"
+"$tool" jpeg info "$deep" >"$work/info.txt" || fail "jpeg info of a 12-bit stream: exit $?"
+grep -q "^frame: extended, 37x21, 12 bits, 3 components, YCbCr" "$work/info.txt" || fail "jpeg info: $(head -1 "$work/info.txt")"
+"$tool" jpeg decode "$deep" "$work/deep.png" || fail "jpeg decode of a 12-bit stream: exit $?"
+expect_png "$work/deep.png" 37 21 16 2
 expect_refusal 2 "missing --layout" jpeg encode --size 4x4 "$work/flat.raw" "$work/x.jpg"
 expect_refusal 1 "frame" jpeg encode --layout bgr24 --size 64x64 "$work/flat.raw" "$work/x.jpg"
 expect_refusal 1 "reading the header" jpeg decode "$work/flat.raw" "$work/x.png"

@@ -95,8 +95,8 @@ int Encode(std::span<const std::string_view> args) {
 }
 
 struct Decoded {
-  int width = 0, height = 0, channels = 0;
-  std::vector<uint8_t> pixels;
+  int width = 0, height = 0, channels = 0, precision = 8;
+  std::vector<uint8_t> pixels;  // 16-bit words (host order) above 8 bits
 };
 
 void Decode(const std::vector<uint8_t>& stream, CJPEGDecoder& dec, Decoded& out) {
@@ -108,10 +108,12 @@ void Decode(const std::vector<uint8_t>& stream, CJPEGDecoder& dec, Decoded& out)
   JSS sampling;
   Check(dec.ReadHeader(&out.width, &out.height, &channels, &colour, &sampling, &precision), "reading the header");
   out.channels = channels == 1 ? 1 : 3;
+  out.precision = precision;
   if (channels == 4) throw RunError("four-component frames have no PNG layout here");
-  out.pixels.assign(size_t(out.width) * out.height * out.channels, 0);
-  Check(dec.SetDestination(out.pixels.data(), out.width * out.channels, {out.width, out.height}, out.channels,
-                           out.channels == 1 ? JC_GRAY : JC_RGB, JS_444, precision, 1),
+  const int sampleBytes = precision > 8 ? 2 : 1;
+  out.pixels.assign(size_t(out.width) * out.height * out.channels * sampleBytes, 0);
+  Check(dec.SetDestination(out.pixels.data(), out.width * out.channels * sampleBytes, {out.width, out.height},
+                           out.channels, out.channels == 1 ? JC_GRAY : JC_RGB, JS_444, precision, 1),
         "decoder destination");
   Check(dec.ReadData(), "decoding");
 }
@@ -130,7 +132,20 @@ int DecodeVerb(std::span<const std::string_view> args) {
   PngImage png;
   png.width = uint32_t(d.width);
   png.height = uint32_t(d.height);
-  png.pixel = d.channels == 1 ? PngPixel::Grey8 : PngPixel::Rgb8;
+  if (d.precision > 8) {
+    // Deeper samples become 16-bit PNG samples, scaled to the full range by
+    // repeating their top bits below them.
+    png.pixel = d.channels == 1 ? PngPixel::Grey16 : PngPixel::Rgb16;
+    const int up = 16 - d.precision, down = d.precision - up;
+    for (size_t i = 0; i + 1 < d.pixels.size(); i += 2) {
+      const uint32_t v = uint32_t(d.pixels[i] | (d.pixels[i + 1] << 8));
+      const uint32_t wide = (v << up) | (v >> down);
+      d.pixels[i] = uint8_t(wide >> 8);
+      d.pixels[i + 1] = uint8_t(wide);
+    }
+  } else {
+    png.pixel = d.channels == 1 ? PngPixel::Grey8 : PngPixel::Rgb8;
+  }
   png.bytes = std::move(d.pixels);
   WritePng(std::string(files[1]), png);
   return 0;

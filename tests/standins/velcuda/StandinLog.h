@@ -1,14 +1,14 @@
 #pragma once
 // Reading what the stand-in companion recorded (see VelCudaStandin.cpp) and
 // what the library printed to its debug output.
-#include <kestrelink/DebugOutput.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/DebugLines.h"
 
 namespace velcudatest {
 
@@ -54,18 +54,6 @@ inline std::string Hex(unsigned long long value) {
   return text;
 }
 
-// Collects every debug-output line while it lives.
-class DebugLines {
- public:
-  DebugLines() { kestrelink::SetDebugOutputHandler(&Add, this); }
-  ~DebugLines() { kestrelink::SetDebugOutputHandler(nullptr, nullptr); }
-  DebugLines(const DebugLines&) = delete;
-  DebugLines& operator=(const DebugLines&) = delete;
-  const std::vector<std::string>& Lines() const { return lines_; }
-
- private:
-  static void Add(const char* message, void* self) { static_cast<DebugLines*>(self)->lines_.push_back(message); }
-  std::vector<std::string> lines_;
-};
+using testsupport::DebugLines;
 
 }  // namespace velcudatest

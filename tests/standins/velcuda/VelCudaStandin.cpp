@@ -54,10 +54,10 @@ struct State {
   uint64_t nextEncoder = 1;
 };
 
-// Never destroyed: the library that bound it may call in while the process ends.
+// Destroyed when the stand-in is unloaded, after the binding's teardown calls.
 State& TheState() {
-  static State* state = new State;
-  return *state;
+  static State state;
+  return state;
 }
 
 int EnvInt(const char* name, int fallback) {

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "jpeg/JpegFrontSupport.h"
@@ -43,7 +44,8 @@ std::vector<uint8_t> ReadWhole(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-std::string TempPath(const char* name) { return ::testing::TempDir() + name; }
+// A file name of this process in the temporary folder.
+std::string TempPath(const char* name) { return ::testing::TempDir() + std::to_string(::getpid()) + "-" + name; }
 
 // Encodes to the compressed buffer form; empty on failure.
 std::vector<uint8_t> EncodeToBuffer(CJpegConversion& jpeg, std::vector<uint8_t>& frame) {
@@ -258,7 +260,7 @@ TEST(JpegConversion, FileFormTestsTheCallersFormat) {
 TEST(JpegConversion, WideCharacterPaths) {
   // "bild-ü€.jpg" in UTF-16, and the UTF-8 name the file gets.
   const std::string name8 = "bild-\xC3\xBC\xE2\x82\xAC.jpg";
-  const std::string dir = ::testing::TempDir();
+  const std::string dir = ::testing::TempDir() + std::to_string(::getpid()) + "-";
   std::vector<unsigned short> wide(dir.begin(), dir.end());
   for (unsigned short u : std::initializer_list<unsigned short>{'b', 'i', 'l', 'd', '-', 0x00FC, 0x20AC, '.', 'j', 'p', 'g', 0})
     wide.push_back(u);

@@ -76,13 +76,15 @@ void YcbcraRowToRgba(const uint8_t* in, uint8_t* out, int width) {
   }
 }
 
-// Bytes Y0 Cb Y1 Cr to full-size Y Cb Cr triplets, each pair sharing its chroma.
+// Bytes Y0 Cb Y1 Cr to full-size Y Cb Cr triplets, each pair sharing its
+// chroma. Rows are 2 x width bytes: the last pixel of an odd width has no Cr
+// in its row and takes the neutral 128.
 void Ycbcr422RowToYcbcr(const uint8_t* in, uint8_t* out, int width) {
   for (int x = 0; x < width; ++x, out += 3) {
     const uint8_t* pair = in + (x / 2) * 4;
     out[0] = pair[(x & 1) * 2];
     out[1] = pair[1];
-    out[2] = pair[3];
+    out[2] = (x | 1) < width ? pair[3] : 128;
   }
 }
 
@@ -92,7 +94,7 @@ void YcbcrRowToYcbcr422(const uint8_t* in, uint8_t* out, int width) {
     pair[(x & 1) * 2] = in[0];
     if ((x & 1) == 0) {
       pair[1] = in[1];
-      pair[3] = in[2];
+      if (x + 1 < width) pair[3] = in[2];  // within the row's 2 x width bytes
     }
   }
 }

@@ -491,6 +491,15 @@ python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([0, 2]) * 24 * 16 * 
 "$tool" jpeg info "$work/planes.jpg" >"$work/info.txt" || fail "jpeg info of a four-component stream: exit $?"
 grep -q "^frame: baseline, 24x16, 8 bits, 4 components" "$work/info.txt" || fail "jpeg info: $(head -1 "$work/info.txt")"
 expect_refusal 1 "Cuda video card not detected." jpeg encode --format 100 --bits 8 --size 24x16 --gpu "$work/flat.raw" "$work/x.jpg"
+# With the tests' stand-in companion, when it is built, --gpu encodes.
+standin="$(dirname "$tool")/../tests/standins/velcuda/libvelcuda_standin.so"
+if [[ -f $standin ]]; then
+  python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([90]) * 128 * 128)' "$work/gpu.raw"
+  KESTRELINK_VELCUDA=$standin "$tool" jpeg encode --format 100 --bits 8 --size 128x128 --gpu "$work/gpu.raw" "$work/gpu.jpg" >"$work/stdout" ||
+    fail "jpeg encode --gpu with the stand-in: exit $?"
+  grep -q "(GPU, decodes as format 100" "$work/stdout" || fail "jpeg encode --gpu: $(cat "$work/stdout")"
+  [[ $(hex_at "$work/gpu.jpg" 0 2) == "ff d8" ]] || fail "jpeg encode --gpu wrote no JPEG stream"
+fi
 expect_refusal 1 "does not take" jpeg encode --format 100 --bits 24 --size 8x8 "$work/flat.raw" "$work/x.jpg"
 expect_refusal 2 "--format needs --bits" jpeg encode --format 100 --size 8x8 "$work/flat.raw" "$work/x.jpg"
 # --- combine --------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "jpeg/front/CodecDecode.h"
 #include "jpeg/front/FrontLog.h"
 #include "jpeg/front/WidePath.h"
 #include "jpeg/front/JpegFormats.h"
@@ -70,7 +71,7 @@ bool CIjlJpegConversion::Decode(void* src, void* dst) {
   uint32_t size = 0;
   std::memcpy(&size, src, 4);
   m_properties.jpgBytes = static_cast<uint8_t*>(src) + 4;
-  m_properties.jpgSizeBytes = size;
+  m_properties.jpgSizeBytes = kestrelink::jpegfront::StreamBytes(size);
   m_status = IjlRead(m_properties, kIjlReadParamsBuffer);
   if (m_status != kIjlOk) {
     Log("Quillcast - JpegConversion - error read parametre = %d", m_status);

@@ -49,9 +49,7 @@ bool DecodeSizedBuffer(const void* src, void* dst) {
     return false;
   }
   uint32_t position = 0;
-  // The word counts itself, so the input reaches 4 bytes past the stream: a
-  // settled behaviour of the format (the stream's end marker comes first).
-  return DecodeWithCodec(static_cast<const uint8_t*>(src) + 4, size, dst, position);
+  return DecodeWithCodec(static_cast<const uint8_t*>(src) + 4, StreamBytes(size), dst, position);
 }
 
 }  // namespace kestrelink::jpegfront

@@ -14,6 +14,11 @@ bool DecodeWithCodec(const uint8_t* data, uint32_t size, void* dst, uint32_t& po
 // then the stream.
 bool DecodeSizedBuffer(const void* src, void* dst);
 
+// Bytes of the stream behind a size word. The word counts itself, so an input
+// of the word's value would reach 4 bytes past the buffer it describes; the
+// input stops at the buffer's end, where a well-formed stream has ended.
+inline uint32_t StreamBytes(uint32_t sizeWord) { return sizeWord < 4 ? 0 : sizeWord - 4; }
+
 // Row step of the encoders' sources and the decoders' destinations.
 inline int RowStep(int channels, uint32_t width) { return (channels * static_cast<int>(width) + 3) & ~3; }
 

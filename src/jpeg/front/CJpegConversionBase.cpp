@@ -15,10 +15,11 @@ bool CJpegConversionBase::Init(uint32_t width, uint32_t height, uint32_t bitCoun
   return true;
 }
 
-void CJpegConversionBase::Borrow(void* frame) {
+bool CJpegConversionBase::Borrowed(void* frame) {
   if (m_bufferSize != 0) delete[] m_buffer;
   m_bufferSize = 0;
   m_buffer = static_cast<uint8_t*>(frame);
+  return true;
 }
 
 uint8_t* CJpegConversionBase::Owned(uint32_t bytesPerPixel) {
@@ -39,10 +40,7 @@ bool CJpegConversionBase::Normalise(void* plane0, void* plane1, void* plane2) {
   switch (m_format) {
     case 100: case 101:
       m_encodeFormat = 100;
-      if (m_bitCount == 8) {
-        Borrow(plane2);
-        return true;
-      }
+      if (m_bitCount == 8) return Borrowed(plane2);
       return c.Mono16ToMono8(w, h, m_sampleBits, plane2, Owned(1), false);
     case 112: case 113: case 114: case 115:
       m_encodeFormat = 100;
@@ -58,10 +56,7 @@ bool CJpegConversionBase::Normalise(void* plane0, void* plane1, void* plane2) {
       return c.RGB10PixelPackedPhoenixToBGR24(w, h, plane2, Owned(3), false);
     case 200:
       m_encodeFormat = 200;
-      if (m_bitCount == 24) {
-        Borrow(plane2);
-        return true;
-      }
+      if (m_bitCount == 24) return Borrowed(plane2);
       return c.BGR48ToBGR24(w, h, m_sampleBits, plane2, Owned(3), false);
     case 300:
       m_encodeFormat = 500;
@@ -72,19 +67,14 @@ bool CJpegConversionBase::Normalise(void* plane0, void* plane1, void* plane2) {
     case 400:
       m_encodeFormat = 400;
       if (m_bitCount != 24) return false;  // 48-bit RGB is accepted but has no reduction
-      Borrow(plane2);
-      return true;
+      return Borrowed(plane2);
     case 500:
       m_encodeFormat = 500;
-      if (m_bitCount == 32) {
-        Borrow(plane2);
-        return true;
-      }
+      if (m_bitCount == 32) return Borrowed(plane2);
       return c.BGR64ToBGRx(w, h, m_sampleBits, plane2, Owned(4), false);
     case 600:
       m_encodeFormat = 600;
-      Borrow(plane2);
-      return true;
+      return Borrowed(plane2);
     case 700:
       m_encodeFormat = 200;
       return c.UVY422ToBGR24(w, h, plane2, Owned(3), false);
@@ -93,8 +83,7 @@ bool CJpegConversionBase::Normalise(void* plane0, void* plane1, void* plane2) {
       return c.UVY411ToBGR24(w, h, plane2, Owned(3), false);
     case 900:
       m_encodeFormat = 900;
-      Borrow(plane2);
-      return true;
+      return Borrowed(plane2);
     case 905:
       m_encodeFormat = 200;
       return c.BGR555PackedToBGR24(w, h, plane2, Owned(3), false);

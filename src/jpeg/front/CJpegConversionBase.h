@@ -45,6 +45,6 @@ class CJpegConversionBase {
   CIppImageConverter m_converter;
 
  private:
-  void Borrow(void* frame);
+  bool Borrowed(void* frame);  // the frame as it is; always true
   uint8_t* Owned(uint32_t bytesPerPixel);
 };

@@ -2,6 +2,7 @@
 // Everything a program that links libkestrelink.so needs.
 #include <kestrelink/CH264Conversion.h>
 #include <kestrelink/CImageCombine.h>
+#include <kestrelink/CJpegConversion.h>
 #include <kestrelink/CIppAverageImage.h>
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>

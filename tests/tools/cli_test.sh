@@ -104,6 +104,8 @@ expect_refusal() {  # status fragment args...
 demo_dir=$(cd "$work" && pwd -P)/kestrelink-demo
 grep -qxF "$demo_dir" "$work/demo.txt" || fail "demo did not print its folder $demo_dir: $(head -1 "$work/demo.txt")"
 grep -q "^wavelet round trip .* bytes, largest difference [0-9]" "$work/demo.txt" || fail "demo printed no wavelet round trip"
+grep -q "^jpeg round trip .* bytes -> [0-9]* bytes, PSNR [0-9.]* dB" "$work/demo.txt" || fail "demo printed no JPEG round trip"
+[[ $(hex_at "$work/kestrelink-demo/18-scene.jpg" 0 2) == "ff d8" ]] || fail "demo wrote no JPEG of its scene"
 expect_png "$demo_dir/01-scene-mono16.png" 64 48 16 0
 expect_png "$demo_dir/02-mono8.png" 64 48 8 0
 expect_png "$demo_dir/03-bgrx.png" 64 48 8 2
@@ -480,6 +482,32 @@ expect_refusal 1 "frame" jpeg encode --layout bgr24 --size 64x64 "$work/flat.raw
 expect_refusal 1 "reading the header" jpeg decode "$work/flat.raw" "$work/x.png"
 head -c 200 "$work/colour.jpg" >"$work/cut.jpg"
 expect_refusal 1 "buffer too small" jpeg decode "$work/cut.jpg" "$work/x.png"
+# --format: camera layouts through CJpegConversion. A flat 12-bit frame in
+# 16-bit words becomes 8-bit grey 128; 10-bit planes become BGRx, which the
+# general library writes as four components; without a companion --gpu says so.
+python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([0, 8]) * 24 * 16)' "$work/flat12.raw"
+"$tool" jpeg encode --format 101 --bits 16 --sample-bits 12 --size 24x16 "$work/flat12.raw" "$work/flat12.jpg" >"$work/stdout" ||
+  fail "jpeg encode --format 101: exit $?"
+grep -q "decodes as format 100, 8 bits" "$work/stdout" || fail "jpeg encode --format 101: $(cat "$work/stdout")"
+"$tool" jpeg decode "$work/flat12.jpg" "$work/flat12.png" || fail "jpeg decode of a --format stream: exit $?"
+[[ $(png_bytes "$work/flat12.png") == "$(printf '80 %.0s' {1..384} | sed 's/ $//')" ]] || fail "jpeg --format 101 of a flat frame"
+python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([0, 2]) * 24 * 16 * 3)' "$work/planes30.raw"
+"$tool" jpeg encode --format 300 --bits 48 --sample-bits 30 --size 24x16 "$work/planes30.raw" "$work/planes.jpg" >/dev/null ||
+  fail "jpeg encode --format 300: exit $?"
+"$tool" jpeg info "$work/planes.jpg" >"$work/info.txt" || fail "jpeg info of a four-component stream: exit $?"
+grep -q "^frame: baseline, 24x16, 8 bits, 4 components" "$work/info.txt" || fail "jpeg info: $(head -1 "$work/info.txt")"
+expect_refusal 1 "Cuda video card not detected." jpeg encode --format 100 --bits 8 --size 24x16 --gpu "$work/flat.raw" "$work/x.jpg"
+# With the tests' stand-in companion, when it is built, --gpu encodes.
+standin="$(dirname "$tool")/../tests/standins/velcuda/libvelcuda_standin.so"
+if [[ -f $standin ]]; then
+  python3 -c 'import sys; open(sys.argv[1], "wb").write(bytes([90]) * 128 * 128)' "$work/gpu.raw"
+  KESTRELINK_VELCUDA=$standin "$tool" jpeg encode --format 100 --bits 8 --size 128x128 --gpu "$work/gpu.raw" "$work/gpu.jpg" >"$work/stdout" ||
+    fail "jpeg encode --gpu with the stand-in: exit $?"
+  grep -q "(GPU, decodes as format 100" "$work/stdout" || fail "jpeg encode --gpu: $(cat "$work/stdout")"
+  [[ $(hex_at "$work/gpu.jpg" 0 2) == "ff d8" ]] || fail "jpeg encode --gpu wrote no JPEG stream"
+fi
+expect_refusal 1 "does not take" jpeg encode --format 100 --bits 24 --size 8x8 "$work/flat.raw" "$work/x.jpg"
+expect_refusal 2 "--format needs --bits" jpeg encode --format 100 --size 8x8 "$work/flat.raw" "$work/x.jpg"
 # --- combine --------------------------------------------------------------
 # Mono8 frames of 3x2 and 2x2 side by side make rows of 5; a 2x1 frame under
 # a 3x2 one leaves the rest of its row 0.

@@ -17,6 +17,7 @@
 #include "MirrorRotateVerbs.h"
 #include "PngFile.h"
 #include "ResizeVerb.h"
+#include "JpegDemo.h"
 #include "SyntheticScene.h"
 #include "ToolError.h"
 #include "Verbs.h"
@@ -100,7 +101,8 @@ void PrintDemoUsage(std::ostream& out) {
          "BGRx picture mirrored and turned by 12.5 degrees, and the scene resized to half size.\n"
          "Prints the folder and the files.\n"
          "Then encodes 30 frames of the scene, panning, to H.264 records and decodes them back,\n"
-         "printing the stream's size, bit rate and PSNR.\n"
+         "printing the stream's size, bit rate and PSNR, and writes the scene as a JPEG\n"
+         "(18-scene.jpg, through CJpegConversion) and decodes it back, printing its size and PSNR.\n"
          "\n"
          "options:\n"
          "  --out DIR     folder for the pictures, made if need be (default ./"
@@ -169,6 +171,9 @@ int RunDemo(std::span<const std::string_view> args) {
       ResizeFrame(LayoutId::Mono16, size, half, 3, std::vector<uint8_t>(frame.begin(), frame.end()));
   WritePng((path / resizedPng).string(), LayoutToPng(LayoutId::Mono16, half.width, half.height, kDemoDepth, resized));
   written.emplace_back(resizedPng, "the scene at half size, Lanczos (kestrelink resize)");
+  const std::string jpegFile = "18-scene.jpg";
+  const std::optional<JpegTrip> jpeg = JpegRoundTrip((path / jpegFile).string(), w, h, kDemoDepth, frame);
+  if (jpeg) written.emplace_back(jpegFile, "the scene as JPEG, format 101 at quality 90 (kestrelink jpeg encode --format)");
 
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';
@@ -178,6 +183,12 @@ int RunDemo(std::span<const std::string_view> args) {
       WaveletRoundTrip(size, int(kDemoDepth), 3, std::vector<uint8_t>(frame.begin(), frame.end()), waveletStream);
   std::cout << "wavelet round trip (12 bits, 3 levels): " << frame.size() << " bytes -> " << trip.bytes
             << " bytes, largest difference " << trip.largestDifference << '\n';
+  if (jpeg) {
+    std::cout << "jpeg round trip (format 101, 12 bits, quality 90): " << frame.size() << " bytes -> " << jpeg->bytes
+              << " bytes, PSNR " << std::fixed << std::setprecision(2) << jpeg->psnr << " dB\n";
+  } else {
+    std::cout << "jpeg round trip: a " << w << "x" << h << " frame is too small for its JPEG stream\n";
+  }
   return 0;
 }
 

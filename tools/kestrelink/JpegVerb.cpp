@@ -12,6 +12,7 @@
 
 #include "Args.h"
 #include "FrameFile.h"
+#include "JpegFrontEncode.h"
 #include "PngFile.h"
 #include "ToolError.h"
 #include "jpeg/CJPEGDecoder.h"
@@ -48,7 +49,13 @@ int Encode(std::span<const std::string_view> args) {
   const Layout* layout = nullptr;
   int quality = 85;
   bool progressive = false, full = false;
+  FrontEncodeRequest front;
   const OptionSpec options[] = {
+      {"--format", "CODE", [&](std::string_view v) { front.format = uint32_t(ParseInteger("--format", v, 1, 999)); }},
+      {"--bits", "N", [&](std::string_view v) { front.bits = uint32_t(ParseInteger("--bits", v, 1, 64)); }},
+      {"--sample-bits", "S",
+       [&](std::string_view v) { front.sampleBits = uint32_t(ParseInteger("--sample-bits", v, 0, 64)); }},
+      {"--gpu", "", [&](std::string_view) { front.gpu = true; }},
       {"--size", "WxH", [&](std::string_view v) { size = ParseSize("--size", v); }},
       {"--layout", "L",
        [&](std::string_view v) {
@@ -65,10 +72,21 @@ int Encode(std::span<const std::string_view> args) {
     PrintJpegUsage(std::cout);
     return 0;
   }
-  if (!layout) throw UsageError("missing --layout gray|bgr24|rgb24");
   if (!size) throw UsageError("missing --size WxH");
   if (size->width > 65535 || size->height > 65535) throw UsageError("--size: a JPEG side is at most 65535");
   if (files.size() != 2) throw UsageError("jpeg encode takes IN and OUT.jpg");
+  if (front.format != 0) {
+    if (layout || progressive || full) throw UsageError("--format takes no --layout, --progressive or --444");
+    if (front.bits == 0) throw UsageError("--format needs --bits N");
+    front.size = *size;
+    front.quality = quality;
+    front.in = std::string(files[0]);
+    front.out = std::string(files[1]);
+    if (front.sampleBits == 0) front.sampleBits = front.bits == 16 || front.bits == 48 || front.bits == 64 ? 16 : 8;
+    return EncodeThroughFront(front);
+  }
+  if (front.bits != 0 || front.sampleBits != 0 || front.gpu) throw UsageError("--bits, --sample-bits and --gpu go with --format");
+  if (!layout) throw UsageError("missing --layout gray|bgr24|rgb24");
   const std::string in(files[0]), out(files[1]);
   const uint64_t bytes = uint64_t(size->width) * size->height * layout->channels;
   const std::vector<uint8_t> raw = ReadFrameFile(
@@ -220,6 +238,8 @@ int Info(std::span<const std::string_view> args) {
 void PrintJpegUsage(std::ostream& out) {
   out << "usage: kestrelink jpeg encode --layout gray|bgr24|rgb24 --size WxH [--quality Q]\n"
          "                             [--progressive] [--444] IN OUT.jpg\n"
+         "       kestrelink jpeg encode --format CODE --bits N [--sample-bits S] --size WxH\n"
+         "                             [--quality Q] [--gpu] IN OUT.jpg\n"
          "       kestrelink jpeg decode IN.jpg OUT.png\n"
          "       kestrelink jpeg info IN.jpg\n"
          "\n"
@@ -228,17 +248,33 @@ void PrintJpegUsage(std::ostream& out) {
          "with 2 x 2 chroma subsampling, or none with --444. decode writes a grey or RGB\n"
          "PNG. info prints the frame, its scans and tables, and the Exif entries.\n"
          "\n"
+         "With --format, encode takes a frame in any camera layout through CJpegConversion:\n"
+         "it is normalised to 8-bit mono, BGR24 or BGRx and encoded by the software\n"
+         "back-ends (8- and 24-bit frames by the library's codec, with JPEGbaselineMode and\n"
+         "JPEG444Mode from the registry store; other depths by libjpeg-turbo), or with --gpu\n"
+         "by the GPU companion (8-bit mono, at least 128 x 128), whose messages are shown\n"
+         "when it is not there. Codes: 100/101 mono 8 or 16, 112-115 mono 16, 123-125\n"
+         "10-bit packed colour (48), 200 BGR 24/48, 300 three planes (24; 48 with sample\n"
+         "bits 30, 36, 42; the planes follow one another in IN), 400 RGB 24/48, 500 BGRx\n"
+         "32/64, 600 YCbCr 4:2:2 (16), 700 UVY422 (16), 800 UVY411, 900 three bytes\n"
+         "without colour meaning (24), 905 BGR555, 906 BGR565.\n"
+         "\n"
          "options:\n"
          "  --layout L       gray (one byte a pixel), bgr24 or rgb24 (three)\n"
          "  --size WxH       frame size in pixels, each side at most 65535\n"
          "  --quality Q      0 to 100 (default 85; 0 keeps the standard's example tables)\n"
          "  --progressive    write a progressive stream\n"
          "  --444            no chroma subsampling\n"
+         "  --format CODE    the frame's format code (see above)\n"
+         "  --bits N         bits a pixel of the camera frame\n"
+         "  --sample-bits S  significant bits a sample (default 16 for 16, 48 and 64 bits, else 8)\n"
+         "  --gpu            encode with the GPU companion\n"
          "  -h, --help       show this help\n"
          "\n"
          "example:\n"
          "  kestrelink jpeg encode --layout bgr24 --size 1920x1080 --quality 90 frame.raw frame.jpg\n"
-         "  kestrelink jpeg decode frame.jpg frame.png\n";
+         "  kestrelink jpeg decode frame.jpg frame.png\n"
+         "  kestrelink jpeg encode --format 101 --bits 16 --sample-bits 12 --size 1920x1080 mono12.raw mono.jpg\n";
 }
 
 int RunJpeg(std::span<const std::string_view> args) {

@@ -1,0 +1,201 @@
+#include "jpeg2000/CodeBlockCoder.h"
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+namespace kestrelink::j2k {
+namespace {
+
+constexpr ptrdiff_t kStride = kMaxBlockSide + 2;
+
+// Per-coefficient flags: significance of the eight neighbours, sign of the
+// four direct ones, then the coefficient's own state.
+constexpr uint32_t kNW = 1u << 0, kN = 1u << 1, kNE = 1u << 2, kW = 1u << 3, kE = 1u << 4, kSW = 1u << 5,
+                   kS = 1u << 6, kSE = 1u << 7;
+constexpr uint32_t kNegN = 1u << 8, kNegS = 1u << 9, kNegW = 1u << 10, kNegE = 1u << 11;
+constexpr uint32_t kSig = 1u << 12, kVisit = 1u << 13, kRefined = 1u << 14;
+constexpr uint32_t kNeighbours = 0xFF;
+constexpr uint32_t kSignBits = 0xFFF;  // the neighbour bits that the sign context reads
+
+constexpr int kContextSign = 9;
+constexpr int kContextRefine = 14;
+
+// Zero-coding context from h, v and d (significant horizontal, vertical and
+// diagonal neighbours) for the LL and LH bands; HL exchanges h and v.
+constexpr uint8_t ZeroContextHV(int h, int v, int d) {
+  if (h == 2) return 8;
+  if (h == 1) return v >= 1 ? 7 : d >= 1 ? 6 : 5;
+  if (v == 2) return 4;
+  if (v == 1) return 3;
+  return d >= 2 ? 2 : d == 1 ? 1 : 0;
+}
+
+constexpr uint8_t ZeroContextDiagonal(int hv, int d) {
+  if (d >= 3) return 8;
+  if (d == 2) return hv >= 1 ? 7 : 6;
+  if (d == 1) return hv >= 2 ? 5 : hv == 1 ? 4 : 3;
+  return hv >= 2 ? 2 : hv == 1 ? 1 : 0;
+}
+
+constexpr std::array<uint8_t, 4 * 256> BuildZeroContexts() {
+  std::array<uint8_t, 4 * 256> t{};
+  for (int band = 0; band < 4; ++band)
+    for (int f = 0; f < 256; ++f) {
+      const int h = !!(f & kW) + !!(f & kE), v = !!(f & kN) + !!(f & kS);
+      const int d = !!(f & kNW) + !!(f & kNE) + !!(f & kSW) + !!(f & kSE);
+      uint8_t cx = 0;
+      if (band == kBandHH) cx = ZeroContextDiagonal(h + v, d);
+      else if (band == kBandHL) cx = ZeroContextHV(v, h, d);
+      else cx = ZeroContextHV(h, v, d);
+      t[band * 256 + f] = cx;
+    }
+  return t;
+}
+
+// Sign context (low bits) and the bit it is coded against (bit 7), from
+// the direct neighbours' significance and signs.
+constexpr std::array<uint8_t, 4096> BuildSignContexts() {
+  std::array<uint8_t, 4096> t{};
+  for (int f = 0; f < 4096; ++f) {
+    auto contribution = [&](uint32_t sig, uint32_t neg) { return (f & sig) ? ((f & neg) ? -1 : 1) : 0; };
+    int h = contribution(kW, kNegW) + contribution(kE, kNegE);
+    int v = contribution(kN, kNegN) + contribution(kS, kNegS);
+    h = h > 1 ? 1 : h < -1 ? -1 : h;
+    v = v > 1 ? 1 : v < -1 ? -1 : v;
+    uint8_t flip = 0;
+    if (h < 0 || (h == 0 && v < 0)) {
+      flip = 1;
+      h = -h;
+      v = -v;
+    }
+    // h = 1: v 1, 0, -1 give 13, 12, 11; h = 0: v 1, 0 give 10, 9.
+    const int cx = h == 1 ? 12 + v : 9 + v;
+    t[f] = uint8_t(cx | (flip << 7));
+  }
+  return t;
+}
+
+constexpr std::array<uint8_t, 4 * 256> kZeroContexts = BuildZeroContexts();
+constexpr std::array<uint8_t, 4096> kSignContexts = BuildSignContexts();
+
+}  // namespace
+
+void CodeBlockCoder::CodeSign(uint32_t* f, uint32_t negative) {
+  const uint8_t sc = kSignContexts[*f & kSignBits];
+  m_mq.Encode(sc & 0x1F, negative ^ (sc >> 7));
+  // Tell the eight neighbours.
+  *f |= kSig;
+  f[-kStride - 1] |= kSE;
+  f[-kStride] |= kS | (negative ? kNegS : 0);
+  f[-kStride + 1] |= kSW;
+  f[-1] |= kE | (negative ? kNegE : 0);
+  f[1] |= kW | (negative ? kNegW : 0);
+  f[kStride - 1] |= kNE;
+  f[kStride] |= kN | (negative ? kNegN : 0);
+  f[kStride + 1] |= kNW;
+}
+
+void CodeBlockCoder::SignificancePass(uint32_t plane) {
+  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
+    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
+    for (uint32_t x = 0; x < m_width; ++x)
+      for (uint32_t y = y0; y < y1; ++y) {
+        uint32_t* f = &m_flags[(y + 1) * kStride + x + 1];
+        if ((*f & kSig) || !(*f & kNeighbours)) continue;
+        const uint32_t m = m_magnitudes[y * kMaxBlockSide + x];
+        const uint32_t bit = (m >> plane) & 1;
+        m_mq.Encode(m_zeroContexts[*f & kNeighbours], bit);
+        if (bit) CodeSign(f, m >> 31);
+        *f |= kVisit;
+      }
+  }
+}
+
+void CodeBlockCoder::RefinementPass(uint32_t plane) {
+  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
+    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
+    for (uint32_t x = 0; x < m_width; ++x)
+      for (uint32_t y = y0; y < y1; ++y) {
+        uint32_t* f = &m_flags[(y + 1) * kStride + x + 1];
+        if ((*f & (kSig | kVisit)) != kSig) continue;
+        const int cx = (*f & kRefined) ? kContextRefine + 2 : (*f & kNeighbours) ? kContextRefine + 1 : kContextRefine;
+        m_mq.Encode(cx, (m_magnitudes[y * kMaxBlockSide + x] >> plane) & 1);
+        *f |= kRefined;
+      }
+  }
+}
+
+void CodeBlockCoder::CleanupPass(uint32_t plane, bool) {
+  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
+    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
+    for (uint32_t x = 0; x < m_width; ++x) {
+      uint32_t* column = &m_flags[(y0 + 1) * kStride + x + 1];
+      const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide + x];
+      uint32_t y = y0;
+      constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
+      if (y1 - y0 == 4 && !((column[0] | column[kStride] | column[2 * kStride] | column[3 * kStride]) & kBusy)) {
+        // Run mode: one symbol says whether any of the four turns significant.
+        uint32_t r = 0;
+        while (r < 4 && !((mags[r * kMaxBlockSide] >> plane) & 1)) ++r;
+        if (r == 4) {
+          m_mq.Encode(kContextRunLength, 0);
+          continue;
+        }
+        m_mq.Encode(kContextRunLength, 1);
+        m_mq.Encode(kContextUniform, r >> 1);
+        m_mq.Encode(kContextUniform, r & 1);
+        CodeSign(column + r * kStride, mags[r * kMaxBlockSide] >> 31);
+        y = y0 + r + 1;
+      }
+      for (; y < y1; ++y) {
+        uint32_t* f = column + (y - y0) * kStride;
+        if (!(*f & (kSig | kVisit))) {
+          const uint32_t m = mags[(y - y0) * kMaxBlockSide];
+          const uint32_t bit = (m >> plane) & 1;
+          m_mq.Encode(m_zeroContexts[*f & kNeighbours], bit);
+          if (bit) CodeSign(f, m >> 31);
+        }
+        *f &= ~kVisit;
+      }
+    }
+  }
+}
+
+CodedBlock CodeBlockCoder::Encode(const int32_t* coefficients, size_t stride, uint32_t w, uint32_t h,
+                                  BandOrientation band, uint8_t* out) {
+  m_width = w;
+  m_height = h;
+  m_zeroContexts = &kZeroContexts[band * 256];
+  // Sign in bit 31, magnitude below; the largest magnitude sets the planes.
+  uint32_t all = 0;
+  for (uint32_t y = 0; y < h; ++y) {
+    const int32_t* row = coefficients + y * stride;
+    uint32_t* mags = &m_magnitudes[y * kMaxBlockSide];
+    for (uint32_t x = 0; x < w; ++x) {
+      const int32_t v = row[x];
+      const uint32_t m = uint32_t(v < 0 ? -int64_t(v) : v);
+      all |= m;
+      mags[x] = m | (uint32_t(v) & 0x80000000u);
+    }
+  }
+  CodedBlock result;
+  all &= 0x7FFFFFFFu;
+  if (all == 0) return result;
+  result.planes = 32 - __builtin_clz(all);
+  std::memset(m_flags, 0, sizeof(uint32_t) * size_t(kStride) * (h + 2));
+  m_mq.Start(out);
+  int plane = int(result.planes) - 1;
+  CleanupPass(uint32_t(plane), true);
+  result.passes = 1;
+  for (--plane; plane >= 0; --plane) {
+    SignificancePass(uint32_t(plane));
+    RefinementPass(uint32_t(plane));
+    CleanupPass(uint32_t(plane), false);
+    result.passes += 3;
+  }
+  result.bytes = m_mq.Finish();
+  return result;
+}
+
+}  // namespace kestrelink::j2k

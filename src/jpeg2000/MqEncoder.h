@@ -1,0 +1,76 @@
+#pragma once
+// The MQ arithmetic coder of the code-block passes: 19 adaptive contexts,
+// the standard's 47-state probability table, byte output with the carry and
+// the bit stuffing after a byte of 255, and the closing flush. The interval
+// is renormalised by whole shifts up to the next byte boundary rather than
+// one bit at a time.
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace kestrelink::j2k {
+
+inline constexpr int kContextRunLength = 17;
+inline constexpr int kContextUniform = 18;
+inline constexpr int kContextCount = 19;
+
+struct MqState {
+  uint16_t qe;
+  uint8_t nextMps;  // index of the next state and sense after a most probable symbol
+  uint8_t nextLps;  // and after a least probable one
+};
+
+// The probability states, index = 2 * state + sense of the most probable symbol.
+std::array<MqState, 94> BuildMqStates();
+extern const std::array<MqState, 94> kMqStates;
+
+class MqEncoder {
+ public:
+  // out must hold the byte before it (written as 0) and every byte coded.
+  void Start(uint8_t* out);
+  void Encode(int context, uint32_t bit) {
+    uint8_t& cx = m_contexts[context];
+    const MqState& s = kMqStates[cx];
+    const uint32_t qe = s.qe;
+    m_a -= qe;
+    if (bit == (cx & 1u)) {
+      if (m_a & 0x8000) {
+        m_c += qe;
+        return;
+      }
+      if (m_a < qe) m_a = qe;
+      else m_c += qe;
+      cx = s.nextMps;
+    } else {
+      if (m_a < qe) m_c += qe;
+      else m_a = qe;
+      cx = s.nextLps;
+    }
+    Renormalise();
+  }
+  // Ends the code and answers the number of bytes written.
+  size_t Finish();
+
+ private:
+  void Renormalise() {
+    int shift = __builtin_clz(m_a) - 16;
+    while (shift >= m_ct) {
+      m_a <<= m_ct;
+      m_c <<= m_ct;
+      shift -= m_ct;
+      ByteOut();
+    }
+    m_a <<= shift;
+    m_c <<= shift;
+    m_ct -= shift;
+  }
+  void ByteOut();
+
+  uint32_t m_a = 0, m_c = 0;
+  int m_ct = 0;
+  uint8_t* m_bp = nullptr;
+  uint8_t* m_start = nullptr;
+  uint8_t m_contexts[kContextCount] = {};
+};
+
+}  // namespace kestrelink::j2k

@@ -1,0 +1,67 @@
+// Our files and packet records decode with the peer libraries to exactly
+// the samples put in.
+#include <gtest/gtest.h>
+
+#include "jpeg2000/Jpeg2kTestSupport.h"
+#include "jpeg2000/OpenJpegPeer.h"
+#include "support/TestSupport.h"
+
+using namespace j2ktest;
+
+namespace {
+
+std::vector<uint8_t> WriteFile(Frame& f) {
+  CIppImageWrapper wrapper;
+  wrapper.InitJPeg2KConverter(f.width, f.height, 0, 0, f.format);
+  const std::string path = testing::TempDir() + "j2k_interop.jp2";
+  EXPECT_TRUE(wrapper.WriteJpeg2KToFile(path.c_str(), f.Plane(0), f.Plane(1), f.Plane(2)));
+  std::vector<uint8_t> file = ReadFile(path);
+  std::remove(path.c_str());
+  return file;
+}
+
+void ExpectSamples(const j2kpeer::Decoded& d, const Frame& f, const std::string& what) {
+  ASSERT_TRUE(d.ok) << what;
+  ASSERT_EQ(d.width, f.width) << what;
+  ASSERT_EQ(d.height, f.height) << what;
+  ASSERT_EQ(d.components.size(), f.expected.size()) << what;
+  for (size_t c = 0; c < f.expected.size(); ++c) ASSERT_EQ(d.components[c], f.expected[c]) << what << " component " << c;
+}
+
+struct Size {
+  uint32_t w, h;
+};
+
+TEST(Jpeg2kInterop, FilesDecodeExactlyForEveryLayoutAndSize) {
+  const uint32_t formats[] = {100, 101, 300, 400, 500, 200};
+  const Size sizes[] = {{1, 1}, {2, 2}, {1, 7}, {9, 1}, {3, 5}, {17, 13}, {33, 32}, {64, 64}, {65, 129}, {127, 31},
+                        {200, 67}, {257, 255}};
+  for (uint32_t format : formats)
+    for (const Size& s : sizes) {
+      Frame f = MakeFrame(format, s.w, s.h, s.w * 31 + s.h);
+      const std::vector<uint8_t> file = WriteFile(f);
+      const std::string what = "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
+      ASSERT_GT(file.size(), kCodestreamOffset) << what;
+      ExpectSamples(j2kpeer::OpenJpegDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset, false), f,
+                    what);
+    }
+}
+
+TEST(Jpeg2kInterop, SquareFilesDecodeAsJp2) {
+  for (uint32_t format : {100u, 200u}) {
+    Frame f = MakeFrame(format, 96, 96);
+    const std::vector<uint8_t> file = WriteFile(f);
+    ExpectSamples(j2kpeer::OpenJpegDecode(file.data(), file.size(), true), f, "jp2 " + std::to_string(format));
+  }
+}
+
+TEST(Jpeg2kInterop, LargeFramesDecodeExactly) {
+  for (uint32_t format : {100u, 200u}) {
+    Frame f = MakeFrame(format, 2560, 1600, 7);
+    const std::vector<uint8_t> file = WriteFile(f);
+    ExpectSamples(j2kpeer::OpenJpegDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset, false), f,
+                  "2560x1600 " + std::to_string(format));
+  }
+}
+
+}  // namespace

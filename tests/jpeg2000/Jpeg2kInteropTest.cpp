@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "jpeg2000/Jpeg2kTestSupport.h"
+#include "jpeg2000/GrokPeer.h"
 #include "jpeg2000/OpenJpegPeer.h"
 #include "support/TestSupport.h"
 
@@ -61,6 +62,37 @@ TEST(Jpeg2kInterop, LargeFramesDecodeExactly) {
     const std::vector<uint8_t> file = WriteFile(f);
     ExpectSamples(j2kpeer::OpenJpegDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset, false), f,
                   "2560x1600 " + std::to_string(format));
+  }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(Jpeg2kInterop, FilesDecodeExactlyWithTheSecondPeer) {
+  const Size sizes[] = {{1, 1}, {3, 5}, {65, 129}, {300, 200}};
+  for (uint32_t format : {100u, 300u, 400u, 500u, 200u})
+    for (const Size& s : sizes) {
+      Frame f = MakeFrame(format, s.w, s.h, s.w + s.h);
+      const std::vector<uint8_t> file = WriteFile(f);
+      const std::string what = "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
+      ExpectSamples(j2kpeer::GrokDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset), f, what);
+    }
+}
+
+// The same coding settings give a size within 1% of the peer's.
+TEST(Jpeg2kInterop, CompressedSizeIsThePeersWithinOnePercent) {
+  for (uint32_t format : {100u, 300u}) {
+    Frame f = MakeFrame(format, 640, 480, 3);
+    const std::vector<uint8_t> file = WriteFile(f);
+    std::vector<const uint8_t*> planes;
+    std::vector<std::vector<uint8_t>> bytes;
+    for (const auto& c : f.expected) bytes.emplace_back(c.begin(), c.end());
+    for (const auto& b : bytes) planes.push_back(b.data());
+    const std::vector<uint8_t> peer = j2kpeer::OpenJpegEncode(planes, f.width, f.height);
+    ASSERT_FALSE(peer.empty());
+    const double ours = double(file.size() - kCodestreamOffset);
+    EXPECT_NEAR(ours / double(peer.size()), 1.0, 0.01) << format << ": ours " << ours << ", peer " << peer.size();
   }
 }
 

@@ -78,7 +78,7 @@ void Layout(const TileSettings& t, const int32_t* const* planes, std::vector<Res
 void CodeBlocks(std::vector<Block>& blocks, std::vector<std::vector<uint8_t>>& arenas, size_t stride) {
   const int64_t count = int64_t(blocks.size());
   arenas.assign(size_t(std::clamp(platform::TeamSize(), 1, platform::kMaxTeamSize)), {});
-#pragma omp parallel num_threads(platform::TeamSize())
+#pragma omp parallel num_threads(platform::TeamSize()) if (count > 16)
   {
     const int id = omp_get_thread_num();
     std::vector<uint8_t>& arena = arenas[size_t(id)];

@@ -12,13 +12,17 @@
 namespace kestrelink::j2k {
 namespace {
 
+// Bands below this many samples are not worth waking the team for.
+constexpr size_t kTeamSamples = 1 << 15;
+bool UseTeam(uint32_t w, uint32_t h) { return size_t(w) * h >= kTeamSamples; }
+
 // One column pass: the w by h band of src becomes, in dst, its low rows
 // followed by its high rows.
 void ColumnsForward(const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w, uint32_t h) {
   const int64_t lows = (h + 1) / 2, highs = h / 2;
   auto row = [&](const int32_t* base, int64_t y) { return base + size_t(y) * stride; };
   int32_t* out = dst;
-#pragma omp parallel num_threads(platform::TeamSize())
+#pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
   {
 #pragma omp for schedule(static)
     for (int64_t i = 0; i < highs; ++i) {
@@ -38,7 +42,7 @@ void ColumnsInverse(const WaveletKernels& k, const int32_t* src, int32_t* dst, s
   const int64_t lows = (h + 1) / 2, highs = h / 2;
   const int32_t* hi = src + size_t(lows) * stride;
   auto row = [&](int32_t* base, int64_t y) { return base + size_t(y) * stride; };
-#pragma omp parallel num_threads(platform::TeamSize())
+#pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
   {
 #pragma omp for schedule(static)
     for (int64_t i = 0; i < lows; ++i) {
@@ -88,7 +92,7 @@ void RowInverse(const WaveletKernels& k, const int32_t* in, int32_t* out, uint32
 
 void RowsForward(const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w, uint32_t h) {
   const int64_t rows = h;
-#pragma omp parallel num_threads(platform::TeamSize())
+#pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
   {
     RowScratch s(w);
 #pragma omp for schedule(static)
@@ -98,7 +102,7 @@ void RowsForward(const WaveletKernels& k, const int32_t* src, int32_t* dst, size
 
 void RowsInverse(const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w, uint32_t h) {
   const int64_t rows = h;
-#pragma omp parallel num_threads(platform::TeamSize())
+#pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
   {
     RowScratch s(w);
 #pragma omp for schedule(static)

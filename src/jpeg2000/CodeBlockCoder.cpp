@@ -81,10 +81,12 @@ constexpr std::array<uint8_t, 4096> kSignContexts = BuildSignContexts();
 
 }  // namespace
 
-void CodeBlockCoder::CodeSign(uint32_t* f, uint32_t negative) {
+// Codes the sign of a coefficient that has just turned significant and
+// tells its eight neighbours.
+__attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, uint8_t* contexts, uint32_t* f,
+                                                    uint32_t negative) {
   const uint8_t sc = kSignContexts[*f & kSignBits];
-  m_mq.Encode(sc & 0x1F, negative ^ (sc >> 7));
-  // Tell the eight neighbours.
+  mq.Encode(contexts, sc & 0x1F, negative ^ (sc >> 7));
   *f |= kSig;
   f[-kStride - 1] |= kSE;
   f[-kStride] |= kS | (negative ? kNegS : 0);
@@ -96,70 +98,94 @@ void CodeBlockCoder::CodeSign(uint32_t* f, uint32_t negative) {
   f[kStride + 1] |= kNW;
 }
 
+// A stripe column of four flags, or fewer at the block's foot.
+inline uint32_t ColumnUnion(const uint32_t* f, uint32_t rows) {
+  uint32_t u = f[0];
+  for (uint32_t r = 1; r < rows; ++r) u |= f[r * kStride];
+  return u;
+}
+
 void CodeBlockCoder::SignificancePass(uint32_t plane) {
+  MqEncoder mq = m_mq;
+  uint8_t* const contexts = m_contexts;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
-    for (uint32_t x = 0; x < m_width; ++x)
-      for (uint32_t y = y0; y < y1; ++y) {
-        uint32_t* f = &m_flags[(y + 1) * kStride + x + 1];
+    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
+    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
+    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
+    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
+      // Nothing to code where no coefficient of the column has a significant neighbour.
+      if (!(ColumnUnion(column, rows) & kNeighbours)) continue;
+      for (uint32_t r = 0; r < rows; ++r) {
+        uint32_t* f = column + r * kStride;
         if ((*f & kSig) || !(*f & kNeighbours)) continue;
-        const uint32_t m = m_magnitudes[y * kMaxBlockSide + x];
+        const uint32_t m = mags[r * kMaxBlockSide];
         const uint32_t bit = (m >> plane) & 1;
-        m_mq.Encode(m_zeroContexts[*f & kNeighbours], bit);
-        if (bit) CodeSign(f, m >> 31);
+        mq.Encode(contexts, m_zeroContexts[*f & kNeighbours], bit);
+        if (bit) CodeSign(mq, contexts, f, m >> 31);
         *f |= kVisit;
       }
+    }
   }
+  m_mq = mq;
 }
 
 void CodeBlockCoder::RefinementPass(uint32_t plane) {
+  MqEncoder mq = m_mq;
+  uint8_t* const contexts = m_contexts;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
-    for (uint32_t x = 0; x < m_width; ++x)
-      for (uint32_t y = y0; y < y1; ++y) {
-        uint32_t* f = &m_flags[(y + 1) * kStride + x + 1];
+    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
+    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
+    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
+    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
+      if (!(ColumnUnion(column, rows) & kSig)) continue;
+      for (uint32_t r = 0; r < rows; ++r) {
+        uint32_t* f = column + r * kStride;
         if ((*f & (kSig | kVisit)) != kSig) continue;
         const int cx = (*f & kRefined) ? kContextRefine + 2 : (*f & kNeighbours) ? kContextRefine + 1 : kContextRefine;
-        m_mq.Encode(cx, (m_magnitudes[y * kMaxBlockSide + x] >> plane) & 1);
+        mq.Encode(contexts, cx, (mags[r * kMaxBlockSide] >> plane) & 1);
         *f |= kRefined;
       }
+    }
   }
+  m_mq = mq;
 }
 
-void CodeBlockCoder::CleanupPass(uint32_t plane, bool) {
+void CodeBlockCoder::CleanupPass(uint32_t plane) {
+  MqEncoder mq = m_mq;
+  uint8_t* const contexts = m_contexts;
+  constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t y1 = y0 + 4 < m_height ? y0 + 4 : m_height;
-    for (uint32_t x = 0; x < m_width; ++x) {
-      uint32_t* column = &m_flags[(y0 + 1) * kStride + x + 1];
-      const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide + x];
-      uint32_t y = y0;
-      constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
-      if (y1 - y0 == 4 && !((column[0] | column[kStride] | column[2 * kStride] | column[3 * kStride]) & kBusy)) {
+    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
+    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
+    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
+    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
+      uint32_t r = 0;
+      if (rows == 4 && !(ColumnUnion(column, 4) & kBusy)) {
         // Run mode: one symbol says whether any of the four turns significant.
-        uint32_t r = 0;
         while (r < 4 && !((mags[r * kMaxBlockSide] >> plane) & 1)) ++r;
         if (r == 4) {
-          m_mq.Encode(kContextRunLength, 0);
+          mq.Encode(contexts, kContextRunLength, 0);
           continue;
         }
-        m_mq.Encode(kContextRunLength, 1);
-        m_mq.Encode(kContextUniform, r >> 1);
-        m_mq.Encode(kContextUniform, r & 1);
-        CodeSign(column + r * kStride, mags[r * kMaxBlockSide] >> 31);
-        y = y0 + r + 1;
+        mq.Encode(contexts, kContextRunLength, 1);
+        mq.Encode(contexts, kContextUniform, r >> 1);
+        mq.Encode(contexts, kContextUniform, r & 1);
+        CodeSign(mq, contexts, column + r * kStride, mags[r * kMaxBlockSide] >> 31);
+        ++r;
       }
-      for (; y < y1; ++y) {
-        uint32_t* f = column + (y - y0) * kStride;
+      for (; r < rows; ++r) {
+        uint32_t* f = column + r * kStride;
         if (!(*f & (kSig | kVisit))) {
-          const uint32_t m = mags[(y - y0) * kMaxBlockSide];
+          const uint32_t m = mags[r * kMaxBlockSide];
           const uint32_t bit = (m >> plane) & 1;
-          m_mq.Encode(m_zeroContexts[*f & kNeighbours], bit);
-          if (bit) CodeSign(f, m >> 31);
+          mq.Encode(contexts, m_zeroContexts[*f & kNeighbours], bit);
+          if (bit) CodeSign(mq, contexts, f, m >> 31);
         }
         *f &= ~kVisit;
       }
     }
   }
+  m_mq = mq;
 }
 
 CodedBlock CodeBlockCoder::Encode(const int32_t* coefficients, size_t stride, uint32_t w, uint32_t h,
@@ -185,13 +211,14 @@ CodedBlock CodeBlockCoder::Encode(const int32_t* coefficients, size_t stride, ui
   result.planes = 32 - __builtin_clz(all);
   std::memset(m_flags, 0, sizeof(uint32_t) * size_t(kStride) * (h + 2));
   m_mq.Start(out);
+  ResetMqContexts(m_contexts);
   int plane = int(result.planes) - 1;
-  CleanupPass(uint32_t(plane), true);
+  CleanupPass(uint32_t(plane));
   result.passes = 1;
   for (--plane; plane >= 0; --plane) {
     SignificancePass(uint32_t(plane));
     RefinementPass(uint32_t(plane));
-    CleanupPass(uint32_t(plane), false);
+    CleanupPass(uint32_t(plane));
     result.passes += 3;
   }
   result.bytes = m_mq.Finish();

@@ -33,14 +33,16 @@ class CodeBlockCoder {
                     uint8_t* out);
 
  private:
-  void CleanupPass(uint32_t plane, bool first);
+  // Each pass works on a copy of the coder's registers, kept in machine
+  // registers, and hands it back at the end.
+  void CleanupPass(uint32_t plane);
   void SignificancePass(uint32_t plane);
   void RefinementPass(uint32_t plane);
-  void CodeSign(uint32_t* flags, uint32_t negative);
 
   uint32_t m_width = 0, m_height = 0;
   const uint8_t* m_zeroContexts = nullptr;
   MqEncoder m_mq;
+  uint8_t m_contexts[kContextCount];
   // Magnitudes row by row; flags with a border of one cell on every side.
   uint32_t m_magnitudes[kMaxBlockSide * kMaxBlockSide];
   uint32_t m_flags[(kMaxBlockSide + 2) * (kMaxBlockSide + 2)];

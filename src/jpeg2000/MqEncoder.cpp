@@ -27,6 +27,8 @@ constexpr Row kTable[47] = {
 
 }  // namespace
 
+namespace {
+
 std::array<MqState, 94> BuildMqStates() {
   std::array<MqState, 94> states{};
   for (int s = 0; s < 47; ++s)
@@ -38,43 +40,15 @@ std::array<MqState, 94> BuildMqStates() {
   return states;
 }
 
+}  // namespace
+
 const std::array<MqState, 94> kMqStates = BuildMqStates();
 
-// Contexts start in state 0, except the run-length context (state 3), the
-// uniform context (state 46) and the all-insignificant zero context (state 4).
-void MqEncoder::Start(uint8_t* out) {
-  for (uint8_t& cx : m_contexts) cx = 0;
-  m_contexts[0] = 2 * 4;
-  m_contexts[kContextRunLength] = 2 * 3;
-  m_contexts[kContextUniform] = 2 * 46;
-  m_a = 0x8000;
-  m_c = 0;
-  m_ct = 12;
-  out[0] = 0;
-  m_bp = out;
-  m_start = out + 1;
-}
-
-void MqEncoder::ByteOut() {
-  if (*m_bp == 0xFF) {
-    *++m_bp = uint8_t(m_c >> 20);
-    m_c &= 0xFFFFF;
-    m_ct = 7;
-    return;
-  }
-  if (m_c >= 0x8000000) {
-    ++*m_bp;  // the carry
-    if (*m_bp == 0xFF) {
-      m_c &= 0x7FFFFFF;
-      *++m_bp = uint8_t(m_c >> 20);
-      m_c &= 0xFFFFF;
-      m_ct = 7;
-      return;
-    }
-  }
-  *++m_bp = uint8_t(m_c >> 19);
-  m_c &= 0x7FFFF;
-  m_ct = 8;
+void ResetMqContexts(uint8_t (&contexts)[kContextCount]) {
+  for (uint8_t& cx : contexts) cx = 0;
+  contexts[0] = 2 * 4;
+  contexts[kContextRunLength] = 2 * 3;
+  contexts[kContextUniform] = 2 * 46;
 }
 
 // Sets as many low bits of the code register as the interval allows, pushes

@@ -1,9 +1,11 @@
 #pragma once
-// The MQ arithmetic coder of the code-block passes: 19 adaptive contexts,
-// the standard's 47-state probability table, byte output with the carry and
-// the bit stuffing after a byte of 255, and the closing flush. The interval
-// is renormalised by whole shifts up to the next byte boundary rather than
-// one bit at a time.
+// The MQ arithmetic coder of the code-block passes: the standard's 47-state
+// probability table, byte output with the carry and the bit stuffing after
+// a byte of 255, and the closing flush. The interval is renormalised by
+// whole shifts up to the next byte boundary rather than one bit at a time.
+//
+// The coder's registers are a small value with no arrays, so that a pass
+// can hold a copy in machine registers; the 19 context states live apart.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -21,16 +23,27 @@ struct MqState {
 };
 
 // The probability states, index = 2 * state + sense of the most probable symbol.
-std::array<MqState, 94> BuildMqStates();
 extern const std::array<MqState, 94> kMqStates;
+
+// Contexts start in state 0, except the all-insignificant zero context
+// (state 4), the run-length context (state 3) and the uniform context (46).
+void ResetMqContexts(uint8_t (&contexts)[kContextCount]);
 
 class MqEncoder {
  public:
   // out must hold the byte before it (written as 0) and every byte coded.
-  void Start(uint8_t* out);
-  void Encode(int context, uint32_t bit) {
-    uint8_t& cx = m_contexts[context];
-    const MqState& s = kMqStates[cx];
+  void Start(uint8_t* out) {
+    m_a = 0x8000;
+    m_c = 0;
+    m_ct = 12;
+    out[0] = 0;
+    m_bp = out;
+    m_start = out + 1;
+  }
+
+  void Encode(uint8_t* contexts, int context, uint32_t bit) {
+    uint8_t& cx = contexts[context];
+    const MqState s = kMqStates[cx];
     const uint32_t qe = s.qe;
     m_a -= qe;
     if (bit == (cx & 1u)) {
@@ -48,6 +61,7 @@ class MqEncoder {
     }
     Renormalise();
   }
+
   // Ends the code and answers the number of bytes written.
   size_t Finish();
 
@@ -64,13 +78,33 @@ class MqEncoder {
     m_c <<= shift;
     m_ct -= shift;
   }
-  void ByteOut();
+
+  void ByteOut() {
+    if (*m_bp == 0xFF) {
+      *++m_bp = uint8_t(m_c >> 20);
+      m_c &= 0xFFFFF;
+      m_ct = 7;
+      return;
+    }
+    if (m_c >= 0x8000000) {
+      ++*m_bp;  // the carry
+      if (*m_bp == 0xFF) {
+        m_c &= 0x7FFFFFF;
+        *++m_bp = uint8_t(m_c >> 20);
+        m_c &= 0xFFFFF;
+        m_ct = 7;
+        return;
+      }
+    }
+    *++m_bp = uint8_t(m_c >> 19);
+    m_c &= 0x7FFFF;
+    m_ct = 8;
+  }
 
   uint32_t m_a = 0, m_c = 0;
   int m_ct = 0;
   uint8_t* m_bp = nullptr;
   uint8_t* m_start = nullptr;
-  uint8_t m_contexts[kContextCount] = {};
 };
 
 }  // namespace kestrelink::j2k

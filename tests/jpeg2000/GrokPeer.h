@@ -74,6 +74,9 @@ inline size_t GrokEncodeToFile(const std::vector<const uint8_t*>& planes, uint32
   grk_image* image = grk_image_new(uint16_t(planes.size()), parms.data(),
                                    planes.size() == 3 ? GRK_CLRSPC_SRGB : GRK_CLRSPC_GRAY);
   if (image == nullptr) return 0;
+  image->x0 = image->y0 = 0;
+  image->x1 = width;
+  image->y1 = height;
   for (size_t c = 0; c < planes.size(); ++c) {
     grk_image_comp& comp = image->comps[c];
     if (comp.data == nullptr) {

@@ -83,7 +83,7 @@ constexpr std::array<uint8_t, 4096> kSignContexts = BuildSignContexts();
 
 // Codes the sign of a coefficient that has just turned significant and
 // tells its eight neighbours.
-__attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, uint8_t* contexts, uint32_t* f,
+__attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, MqContext* contexts, uint32_t* f,
                                                     uint32_t negative) {
   const uint8_t sc = kSignContexts[*f & kSignBits];
   mq.Encode(contexts, sc & 0x1F, negative ^ (sc >> 7));
@@ -107,7 +107,7 @@ inline uint32_t ColumnUnion(const uint32_t* f, uint32_t rows) {
 
 void CodeBlockCoder::SignificancePass(uint32_t plane) {
   MqEncoder mq = m_mq;
-  uint8_t* const contexts = m_contexts;
+  MqContext* const contexts = m_contexts;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
     const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
     uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
@@ -131,7 +131,7 @@ void CodeBlockCoder::SignificancePass(uint32_t plane) {
 
 void CodeBlockCoder::RefinementPass(uint32_t plane) {
   MqEncoder mq = m_mq;
-  uint8_t* const contexts = m_contexts;
+  MqContext* const contexts = m_contexts;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
     const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
     uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
@@ -152,7 +152,7 @@ void CodeBlockCoder::RefinementPass(uint32_t plane) {
 
 void CodeBlockCoder::CleanupPass(uint32_t plane) {
   MqEncoder mq = m_mq;
-  uint8_t* const contexts = m_contexts;
+  MqContext* const contexts = m_contexts;
   constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
   for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
     const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;

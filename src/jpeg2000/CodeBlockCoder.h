@@ -42,7 +42,7 @@ class CodeBlockCoder {
   uint32_t m_width = 0, m_height = 0;
   const uint8_t* m_zeroContexts = nullptr;
   MqEncoder m_mq;
-  uint8_t m_contexts[kContextCount];
+  MqContext m_contexts[kContextCount];
   // Magnitudes row by row; flags with a border of one cell on every side.
   uint32_t m_magnitudes[kMaxBlockSide * kMaxBlockSide];
   uint32_t m_flags[(kMaxBlockSide + 2) * (kMaxBlockSide + 2)];

@@ -24,16 +24,19 @@ namespace {
 constexpr uint32_t kLargestSide = 1u << 15;
 
 // One plane of samples per component, width * height each, plus the column
-// pass's scratch.
+// pass's scratch. Each is its own allocation, left uninitialised unless
+// asked: blocks of a frame's size come back from the allocator's heap on
+// the next call rather than as fresh pages to fault in and clear.
 struct Planes {
-  std::vector<int32_t> storage;
+  std::unique_ptr<int32_t[]> storage[4];
   int32_t* plane[3] = {nullptr, nullptr, nullptr};
   int32_t* scratch = nullptr;
-  Planes(uint32_t width, uint32_t height, uint32_t components) {
+  Planes(uint32_t width, uint32_t height, uint32_t components, bool zeroed) {
     const size_t n = size_t(width) * height;
-    storage.resize(n * (components + 1));
-    for (uint32_t c = 0; c < components; ++c) plane[c] = storage.data() + n * c;
-    scratch = storage.data() + n * components;
+    for (uint32_t i = 0; i <= components; ++i)
+      storage[i] = zeroed ? std::make_unique<int32_t[]>(n) : std::unique_ptr<int32_t[]>(new int32_t[n]);
+    for (uint32_t c = 0; c < components; ++c) plane[c] = storage[c].get();
+    scratch = storage[components].get();
   }
 };
 
@@ -74,7 +77,7 @@ bool CJpeg2kConversionBase::Codable() const {
 bool CJpeg2kConversionBase::WritePackets(void* plane0, void* plane1, void* plane2, ByteStream& out) {
   void* const sources[3] = {plane0, plane1, plane2};
   if (plane2 == nullptr || (m_format == 300 && (plane0 == nullptr || plane1 == nullptr))) return false;
-  Planes planes(m_width, m_height, m_components);
+  Planes planes(m_width, m_height, m_components, false);
   LoadSamples(m_format, m_width, m_height, sources, planes.plane);
   if (m_components == 3) ColourRows(m_width, m_height, planes.plane, true);
   if (m_useWavelet)
@@ -126,7 +129,7 @@ bool CJpeg2kConversionBase::Decode(void*, void* out0, void* out1, void* out2) {
   m_components = IsMonoFormat(m_format) ? 1 : 3;
   m_useColorTransform = m_components == 3;
   if (out2 == nullptr || (m_format == 300 && (out0 == nullptr || out1 == nullptr)) || !Codable()) return false;
-  Planes planes(m_width, m_height, m_components);  // empty bands
+  Planes planes(m_width, m_height, m_components, true);  // empty bands
   if (m_useWavelet)
     for (uint32_t c = 0; c < m_components; ++c)
       Inverse53(PlaneView{planes.plane[c], m_width, m_width, m_height}, m_levels, planes.scratch);

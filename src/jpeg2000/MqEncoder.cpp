@@ -44,8 +44,8 @@ std::array<MqState, 94> BuildMqStates() {
 
 const std::array<MqState, 94> kMqStates = BuildMqStates();
 
-void ResetMqContexts(uint8_t (&contexts)[kContextCount]) {
-  for (uint8_t& cx : contexts) cx = 0;
+void ResetMqContexts(MqContext (&contexts)[kContextCount]) {
+  for (MqContext& cx : contexts) cx = 0;
   contexts[0] = 2 * 4;
   contexts[kContextRunLength] = 2 * 3;
   contexts[kContextUniform] = 2 * 46;

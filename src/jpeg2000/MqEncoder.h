@@ -22,12 +22,16 @@ struct MqState {
   uint8_t nextLps;  // and after a least probable one
 };
 
+// A context's state index and sense, 2 * state + sense; wider than a byte
+// so that its stores do not stand for stores to anything at all.
+using MqContext = uint16_t;
+
 // The probability states, index = 2 * state + sense of the most probable symbol.
 extern const std::array<MqState, 94> kMqStates;
 
 // Contexts start in state 0, except the all-insignificant zero context
 // (state 4), the run-length context (state 3) and the uniform context (46).
-void ResetMqContexts(uint8_t (&contexts)[kContextCount]);
+void ResetMqContexts(MqContext (&contexts)[kContextCount]);
 
 class MqEncoder {
  public:
@@ -41,44 +45,38 @@ class MqEncoder {
     m_start = out + 1;
   }
 
-  void Encode(uint8_t* contexts, int context, uint32_t bit) {
-    uint8_t& cx = contexts[context];
+  // The choices between the symbol's two sub-intervals are selects rather
+  // than branches: which symbol comes is what the data makes unpredictable.
+  void Encode(MqContext* contexts, int context, uint32_t bit) {
+    MqContext& cx = contexts[context];
     const MqState s = kMqStates[cx];
     const uint32_t qe = s.qe;
-    m_a -= qe;
-    if (bit == (cx & 1u)) {
-      if (m_a & 0x8000) {
-        m_c += qe;
-        return;
-      }
-      if (m_a < qe) m_a = qe;
-      else m_c += qe;
-      cx = s.nextMps;
-    } else {
-      if (m_a < qe) m_c += qe;
-      else m_a = qe;
-      cx = s.nextLps;
-    }
-    Renormalise();
-  }
-
-  // Ends the code and answers the number of bytes written.
-  size_t Finish();
-
- private:
-  void Renormalise() {
+    const uint32_t a = m_a - qe;
+    const bool mps = bit == (cx & 1u);
+    const bool stays = mps && (a & 0x8000);  // no renormalisation, no state change
+    const bool upper = stays || (mps != (a < qe));  // the code register moves past Qe
+    m_c += upper ? qe : 0;
+    m_a = upper ? a : qe;
+    const MqContext next = mps ? s.nextMps : s.nextLps;
+    cx = stays ? cx : next;
     int shift = __builtin_clz(m_a) - 16;
-    while (shift >= m_ct) {
-      m_a <<= m_ct;
-      m_c <<= m_ct;
-      shift -= m_ct;
-      ByteOut();
+    if (__builtin_expect(shift >= m_ct, 0)) {
+      do {
+        m_a <<= m_ct;
+        m_c <<= m_ct;
+        shift -= m_ct;
+        ByteOut();
+      } while (shift >= m_ct);
     }
     m_a <<= shift;
     m_c <<= shift;
     m_ct -= shift;
   }
 
+  // Ends the code and answers the number of bytes written.
+  size_t Finish();
+
+ private:
   void ByteOut() {
     if (*m_bp == 0xFF) {
       *++m_bp = uint8_t(m_c >> 20);

@@ -1,6 +1,7 @@
 #include "jpeg2000/TileEncoder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -73,23 +74,37 @@ void Layout(const TileSettings& t, const int32_t* const* planes, std::vector<Res
     }
 }
 
+// The bytes of one thread's blocks, one after another; grown by doubling,
+// never cleared.
+struct Arena {
+  std::unique_ptr<uint8_t[]> bytes;
+  size_t size = 0;
+  void Reserve(size_t needed, size_t used) {
+    if (needed <= size) return;
+    const size_t grown = std::max(needed, 2 * size);
+    std::unique_ptr<uint8_t[]> larger(new uint8_t[grown]);
+    if (used) std::memcpy(larger.get(), bytes.get(), used);
+    bytes = std::move(larger);
+    size = grown;
+  }
+};
+
 // Codes every block over the team; each thread appends its blocks' bytes to
 // an arena of its own.
-void CodeBlocks(std::vector<Block>& blocks, std::vector<std::vector<uint8_t>>& arenas, size_t stride) {
+void CodeBlocks(std::vector<Block>& blocks, std::vector<Arena>& arenas, size_t stride) {
   const int64_t count = int64_t(blocks.size());
-  arenas.assign(size_t(std::clamp(platform::TeamSize(), 1, platform::kMaxTeamSize)), {});
+  arenas.resize(size_t(std::clamp(platform::TeamSize(), 1, platform::kMaxTeamSize)));
 #pragma omp parallel num_threads(platform::TeamSize()) if (count > 16)
   {
     const int id = omp_get_thread_num();
-    std::vector<uint8_t>& arena = arenas[size_t(id)];
+    Arena& arena = arenas[size_t(id)];
     size_t used = 0;
     auto coder = std::make_unique<CodeBlockCoder>();
 #pragma omp for schedule(dynamic, 4)
     for (int64_t i = 0; i < count; ++i) {
       Block& b = blocks[size_t(i)];
-      const size_t bound = CodeBlockCoder::OutputBound(size_t(b.width) * b.height);
-      if (arena.size() < used + bound) arena.resize(std::max(used + bound, 2 * arena.size()));
-      b.coded = coder->Encode(b.samples, stride, b.width, b.height, b.orientation, arena.data() + used);
+      arena.Reserve(used + CodeBlockCoder::OutputBound(size_t(b.width) * b.height), used);
+      b.coded = coder->Encode(b.samples, stride, b.width, b.height, b.orientation, arena.bytes.get() + used);
       b.arena = id;
       b.offset = used + 1;
       used += b.coded.bytes + 1;
@@ -108,8 +123,8 @@ void PutPassCount(PacketBits& bits, uint32_t passes) {
 uint32_t FloorLog2(uint32_t v) { return 31 - uint32_t(__builtin_clz(v)); }
 uint32_t BitLength(size_t v) { return v == 0 ? 0 : 64 - uint32_t(__builtin_clzll(v)); }
 
-void WritePacket(const Resolution& res, const std::vector<Block>& blocks,
-                 const std::vector<std::vector<uint8_t>>& arenas, ByteStream& out) {
+void WritePacket(const Resolution& res, const std::vector<Block>& blocks, const std::vector<Arena>& arenas,
+                 ByteStream& out) {
   PacketBits bits(out);
   bits.Put(1);  // not empty
   TagTree inclusion, zeroPlanes;
@@ -141,7 +156,7 @@ void WritePacket(const Resolution& res, const std::vector<Block>& blocks,
   for (const Band& band : res.bands)
     for (uint32_t i = 0; i < band.blocksX * band.blocksY; ++i) {
       const Block& b = blocks[band.firstBlock + i];
-      if (b.coded.bytes) out.PutBytes(arenas[size_t(b.arena)].data() + b.offset, b.coded.bytes);
+      if (b.coded.bytes) out.PutBytes(arenas[size_t(b.arena)].bytes.get() + b.offset, b.coded.bytes);
     }
 }
 
@@ -151,7 +166,7 @@ void WriteTilePackets(const TileSettings& tile, const int32_t* const* planes, By
   std::vector<Resolution> packets;
   std::vector<Block> blocks;
   Layout(tile, planes, packets, blocks);
-  std::vector<std::vector<uint8_t>> arenas;
+  std::vector<Arena> arenas;
   CodeBlocks(blocks, arenas, tile.width);
   for (const Resolution& res : packets) WritePacket(res, blocks, arenas, out);
 }

@@ -29,26 +29,27 @@ constexpr Row kTable[47] = {
 
 namespace {
 
-std::array<MqState, 94> BuildMqStates() {
-  std::array<MqState, 94> states{};
-  for (int s = 0; s < 47; ++s)
-    for (int mps = 0; mps < 2; ++mps) {
+std::array<MqContext, 94> BuildMqStates() {
+  std::array<MqContext, 94> states{};
+  for (uint32_t s = 0; s < 47; ++s)
+    for (uint32_t mps = 0; mps < 2; ++mps) {
       const Row& r = kTable[s];
-      const int lpsSense = r.swap ? 1 - mps : mps;
-      states[2 * s + mps] = {r.qe, uint8_t(2 * r.nmps + mps), uint8_t(2 * r.nlps + lpsSense)};
+      const uint32_t lpsSense = r.swap ? 1 - mps : mps;
+      const uint32_t nextMps = 2 * r.nmps + mps, nextLps = 2 * r.nlps + lpsSense;
+      states[2 * s + mps] = r.qe | mps << 16 | nextMps << 17 | nextLps << 24;
     }
   return states;
 }
 
 }  // namespace
 
-const std::array<MqState, 94> kMqStates = BuildMqStates();
+const std::array<MqContext, 94> kMqStates = BuildMqStates();
 
 void ResetMqContexts(MqContext (&contexts)[kContextCount]) {
-  for (MqContext& cx : contexts) cx = 0;
-  contexts[0] = 2 * 4;
-  contexts[kContextRunLength] = 2 * 3;
-  contexts[kContextUniform] = 2 * 46;
+  for (MqContext& cx : contexts) cx = kMqStates[0];
+  contexts[0] = kMqStates[2 * 4];
+  contexts[kContextRunLength] = kMqStates[2 * 3];
+  contexts[kContextUniform] = kMqStates[2 * 46];
 }
 
 // Sets as many low bits of the code register as the interval allows, pushes

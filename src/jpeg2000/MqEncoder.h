@@ -16,18 +16,14 @@ inline constexpr int kContextRunLength = 17;
 inline constexpr int kContextUniform = 18;
 inline constexpr int kContextCount = 19;
 
-struct MqState {
-  uint16_t qe;
-  uint8_t nextMps;  // index of the next state and sense after a most probable symbol
-  uint8_t nextLps;  // and after a least probable one
-};
+// A context holds its whole state in one word, so that coding a symbol
+// needs one load of it: Qe in bits 0-15, the sense of the most probable
+// symbol in bit 16, and the indices (into kMqStates) of the states after a
+// most probable and a least probable symbol in bits 17-23 and 24-30.
+using MqContext = uint32_t;
 
-// A context's state index and sense, 2 * state + sense; wider than a byte
-// so that its stores do not stand for stores to anything at all.
-using MqContext = uint16_t;
-
-// The probability states, index = 2 * state + sense of the most probable symbol.
-extern const std::array<MqState, 94> kMqStates;
+// Every state and sense, index = 2 * state + sense.
+extern const std::array<MqContext, 94> kMqStates;
 
 // Contexts start in state 0, except the all-insignificant zero context
 // (state 4), the run-length context (state 3) and the uniform context (46).
@@ -49,16 +45,16 @@ class MqEncoder {
   // than branches: which symbol comes is what the data makes unpredictable.
   void Encode(MqContext* contexts, int context, uint32_t bit) {
     MqContext& cx = contexts[context];
-    const MqState s = kMqStates[cx];
-    const uint32_t qe = s.qe;
+    const MqContext state = cx;
+    const uint32_t qe = state & 0xFFFF;
     const uint32_t a = m_a - qe;
-    const bool mps = bit == (cx & 1u);
+    const bool mps = bit == ((state >> 16) & 1);
     const bool stays = mps && (a & 0x8000);  // no renormalisation, no state change
     const bool upper = stays || (mps != (a < qe));  // the code register moves past Qe
     m_c += upper ? qe : 0;
     m_a = upper ? a : qe;
-    const MqContext next = mps ? s.nextMps : s.nextLps;
-    cx = stays ? cx : next;
+    const MqContext next = kMqStates[mps ? (state >> 17) & 0x7F : state >> 24];
+    cx = stays ? state : next;
     int shift = __builtin_clz(m_a) - 16;
     if (__builtin_expect(shift >= m_ct, 0)) {
       do {

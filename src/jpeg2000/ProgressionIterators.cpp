@@ -2,8 +2,16 @@
 
 #include <algorithm>
 
+// Precinct steps past 2^40 on the grid are taken as 2^40: no tile is that large.
+constexpr uint32_t kLargestStepExp = 40;
+
 void JP2TileProgrIteratorBase::Init(const JP2TileGeometry& geometry) {
   m_geometry = geometry;
+  for (auto& component : m_geometry.components)
+    for (JP2ResolutionPrecincts& r : component) {
+      r.stepXExp = std::min(r.stepXExp, kLargestStepExp);
+      r.stepYExp = std::min(r.stepYExp, kLargestStepExp);
+    }
   m_walk.clear();
   Walk(m_walk);
   m_next = 0;

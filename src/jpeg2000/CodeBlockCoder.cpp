@@ -11,8 +11,8 @@ constexpr ptrdiff_t kStride = kMaxBlockSide + 2;
 
 // Per-coefficient flags: significance of the eight neighbours, sign of the
 // four direct ones, then the coefficient's own state.
-constexpr uint32_t kNW = 1u << 0, kN = 1u << 1, kNE = 1u << 2, kW = 1u << 3, kE = 1u << 4, kSW = 1u << 5,
-                   kS = 1u << 6, kSE = 1u << 7;
+constexpr uint32_t kNW = 1u << 0, kN = 1u << 1, kNE = 1u << 2, kW = 1u << 3, kE = 1u << 4, kSW = 1u << 5, kS = 1u << 6,
+                   kSE = 1u << 7;
 constexpr uint32_t kNegN = 1u << 8, kNegS = 1u << 9, kNegW = 1u << 10, kNegE = 1u << 11;
 constexpr uint32_t kSig = 1u << 12, kVisit = 1u << 13, kRefined = 1u << 14;
 constexpr uint32_t kNeighbours = 0xFF;
@@ -45,9 +45,12 @@ constexpr std::array<uint8_t, 4 * 256> BuildZeroContexts() {
       const int h = !!(f & kW) + !!(f & kE), v = !!(f & kN) + !!(f & kS);
       const int d = !!(f & kNW) + !!(f & kNE) + !!(f & kSW) + !!(f & kSE);
       uint8_t cx = 0;
-      if (band == kBandHH) cx = ZeroContextDiagonal(h + v, d);
-      else if (band == kBandHL) cx = ZeroContextHV(v, h, d);
-      else cx = ZeroContextHV(h, v, d);
+      if (band == kBandHH)
+        cx = ZeroContextDiagonal(h + v, d);
+      else if (band == kBandHL)
+        cx = ZeroContextHV(v, h, d);
+      else
+        cx = ZeroContextHV(h, v, d);
       t[band * 256 + f] = cx;
     }
   return t;
@@ -98,6 +101,15 @@ __attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, MqContext* co
   f[kStride + 1] |= kNW;
 }
 
+// Codes whether an insignificant coefficient turns significant in this
+// plane, by its neighbours' zero-coding context, and its sign if it does.
+__attribute__((always_inline)) inline void CodeZero(MqEncoder& mq, MqContext* contexts, const uint8_t* zero,
+                                                    uint32_t* f, uint32_t magnitude, uint32_t plane) {
+  const uint32_t bit = (magnitude >> plane) & 1;
+  mq.Encode(contexts, zero[*f & kNeighbours], bit);
+  if (bit) CodeSign(mq, contexts, f, magnitude >> 31);
+}
+
 // A stripe column of four flags, or fewer at the block's foot.
 inline uint32_t ColumnUnion(const uint32_t* f, uint32_t rows) {
   uint32_t u = f[0];
@@ -105,86 +117,81 @@ inline uint32_t ColumnUnion(const uint32_t* f, uint32_t rows) {
   return u;
 }
 
+// Calls body(flags, magnitudes, rows) for each stripe column, the top
+// stripe first and left to right within it; rows is 4 but at the foot.
+template <class Body>
+__attribute__((always_inline)) inline void ForEachStripeColumn(uint32_t* flags, const uint32_t* magnitudes, uint32_t w,
+                                                               uint32_t h, Body&& body) {
+  for (uint32_t y0 = 0; y0 < h; y0 += 4) {
+    const uint32_t rows = y0 + 4 < h ? 4 : h - y0;
+    uint32_t* column = &flags[(y0 + 1) * kStride + 1];
+    const uint32_t* mags = &magnitudes[y0 * kMaxBlockSide];
+    for (uint32_t x = 0; x < w; ++x) body(column + x, mags + x, rows);
+  }
+}
+
 void CodeBlockCoder::SignificancePass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
-  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
-    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
-    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
-    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
-      // Nothing to code where no coefficient of the column has a significant neighbour.
-      if (!(ColumnUnion(column, rows) & kNeighbours)) continue;
-      for (uint32_t r = 0; r < rows; ++r) {
-        uint32_t* f = column + r * kStride;
-        if ((*f & kSig) || !(*f & kNeighbours)) continue;
-        const uint32_t m = mags[r * kMaxBlockSide];
-        const uint32_t bit = (m >> plane) & 1;
-        mq.Encode(contexts, m_zeroContexts[*f & kNeighbours], bit);
-        if (bit) CodeSign(mq, contexts, f, m >> 31);
-        *f |= kVisit;
-      }
+  const uint8_t* const zero = m_zeroContexts;
+  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
+    // Nothing to code where no coefficient of the column has a significant neighbour.
+    if (!(ColumnUnion(column, rows) & kNeighbours)) return;
+    for (uint32_t r = 0; r < rows; ++r) {
+      uint32_t* f = column + r * kStride;
+      if ((*f & kSig) || !(*f & kNeighbours)) continue;
+      CodeZero(mq, contexts, zero, f, mags[r * kMaxBlockSide], plane);
+      *f |= kVisit;
     }
-  }
+  };
+  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
   m_mq = mq;
 }
 
 void CodeBlockCoder::RefinementPass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
-  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
-    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
-    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
-    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
-      if (!(ColumnUnion(column, rows) & kSig)) continue;
-      for (uint32_t r = 0; r < rows; ++r) {
-        uint32_t* f = column + r * kStride;
-        if ((*f & (kSig | kVisit)) != kSig) continue;
-        const int cx = (*f & kRefined) ? kContextRefine + 2 : (*f & kNeighbours) ? kContextRefine + 1 : kContextRefine;
-        mq.Encode(contexts, cx, (mags[r * kMaxBlockSide] >> plane) & 1);
-        *f |= kRefined;
-      }
+  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
+    if (!(ColumnUnion(column, rows) & kSig)) return;
+    for (uint32_t r = 0; r < rows; ++r) {
+      uint32_t* f = column + r * kStride;
+      if ((*f & (kSig | kVisit)) != kSig) continue;
+      const int cx = (*f & kRefined) ? kContextRefine + 2 : (*f & kNeighbours) ? kContextRefine + 1 : kContextRefine;
+      mq.Encode(contexts, cx, (mags[r * kMaxBlockSide] >> plane) & 1);
+      *f |= kRefined;
     }
-  }
+  };
+  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
   m_mq = mq;
 }
 
 void CodeBlockCoder::CleanupPass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
+  const uint8_t* const zero = m_zeroContexts;
   constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
-  for (uint32_t y0 = 0; y0 < m_height; y0 += 4) {
-    const uint32_t rows = y0 + 4 < m_height ? 4 : m_height - y0;
-    uint32_t* column = &m_flags[(y0 + 1) * kStride + 1];
-    const uint32_t* mags = &m_magnitudes[y0 * kMaxBlockSide];
-    for (uint32_t x = 0; x < m_width; ++x, ++column, ++mags) {
-      uint32_t r = 0;
-      if (rows == 4 && !(ColumnUnion(column, 4) & kBusy)) {
-        // Run mode: one symbol says whether any of the four turns significant.
-        while (r < 4 && !((mags[r * kMaxBlockSide] >> plane) & 1)) ++r;
-        if (r == 4) {
-          mq.Encode(contexts, kContextRunLength, 0);
-          continue;
-        }
-        mq.Encode(contexts, kContextRunLength, 1);
-        mq.Encode(contexts, kContextUniform, r >> 1);
-        mq.Encode(contexts, kContextUniform, r & 1);
-        CodeSign(mq, contexts, column + r * kStride, mags[r * kMaxBlockSide] >> 31);
-        ++r;
+  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
+    uint32_t r = 0;
+    if (rows == 4 && !(ColumnUnion(column, 4) & kBusy)) {
+      // Run mode: one symbol says whether any of the four turns significant.
+      while (r < 4 && !((mags[r * kMaxBlockSide] >> plane) & 1)) ++r;
+      if (r == 4) {
+        mq.Encode(contexts, kContextRunLength, 0);
+        return;
       }
-      for (; r < rows; ++r) {
-        uint32_t* f = column + r * kStride;
-        if (!(*f & (kSig | kVisit))) {
-          const uint32_t m = mags[r * kMaxBlockSide];
-          const uint32_t bit = (m >> plane) & 1;
-          mq.Encode(contexts, m_zeroContexts[*f & kNeighbours], bit);
-          if (bit) CodeSign(mq, contexts, f, m >> 31);
-        }
-        *f &= ~kVisit;
-      }
+      mq.Encode(contexts, kContextRunLength, 1);
+      mq.Encode(contexts, kContextUniform, r >> 1);
+      mq.Encode(contexts, kContextUniform, r & 1);
+      CodeSign(mq, contexts, column + r * kStride, mags[r * kMaxBlockSide] >> 31);
+      ++r;
     }
-  }
+    for (; r < rows; ++r) {
+      uint32_t* f = column + r * kStride;
+      if (!(*f & (kSig | kVisit))) CodeZero(mq, contexts, zero, f, mags[r * kMaxBlockSide], plane);
+      *f &= ~kVisit;
+    }
+  };
+  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
   m_mq = mq;
 }
 

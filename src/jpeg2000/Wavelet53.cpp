@@ -90,23 +90,16 @@ void RowInverse(const WaveletKernels& k, const int32_t* in, int32_t* out, uint32
   k.merge(even, s.odd.data(), out, w);
 }
 
-void RowsForward(const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w, uint32_t h) {
+// Applies one of the row steps above to every row of the band, src to dst.
+template <class RowStep>
+void EachRow(RowStep step, const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w,
+             uint32_t h) {
   const int64_t rows = h;
 #pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
   {
     RowScratch s(w);
 #pragma omp for schedule(static)
-    for (int64_t y = 0; y < rows; ++y) RowForward(k, src + size_t(y) * stride, dst + size_t(y) * stride, w, s);
-  }
-}
-
-void RowsInverse(const WaveletKernels& k, const int32_t* src, int32_t* dst, size_t stride, uint32_t w, uint32_t h) {
-  const int64_t rows = h;
-#pragma omp parallel num_threads(platform::TeamSize()) if (UseTeam(w, h))
-  {
-    RowScratch s(w);
-#pragma omp for schedule(static)
-    for (int64_t y = 0; y < rows; ++y) RowInverse(k, src + size_t(y) * stride, dst + size_t(y) * stride, w, s);
+    for (int64_t y = 0; y < rows; ++y) step(k, src + size_t(y) * stride, dst + size_t(y) * stride, w, s);
   }
 }
 
@@ -124,7 +117,7 @@ void Forward53(const PlaneView& plane, uint32_t levels, int32_t* scratch) {
     // A single row or column is its own low band in that direction.
     if (h > 1) ColumnsForward(k, plane.samples, scratch, plane.stride, w, h);
     else CopyBand(plane.samples, scratch, plane.stride, w, h);
-    if (w > 1) RowsForward(k, scratch, plane.samples, plane.stride, w, h);
+    if (w > 1) EachRow(RowForward, k, scratch, plane.samples, plane.stride, w, h);
     else CopyBand(scratch, plane.samples, plane.stride, w, h);
   }
 }
@@ -134,7 +127,7 @@ void Inverse53(const PlaneView& plane, uint32_t levels, int32_t* scratch) {
   for (uint32_t l = levels; l-- > 0;) {
     const uint32_t w = LevelSize(plane.width, l), h = LevelSize(plane.height, l);
     if (w == 0 || h == 0) continue;
-    if (w > 1) RowsInverse(k, plane.samples, scratch, plane.stride, w, h);
+    if (w > 1) EachRow(RowInverse, k, plane.samples, scratch, plane.stride, w, h);
     else CopyBand(plane.samples, scratch, plane.stride, w, h);
     if (h > 1) ColumnsInverse(k, scratch, plane.samples, plane.stride, w, h);
     else CopyBand(scratch, plane.samples, plane.stride, w, h);

@@ -2,12 +2,12 @@
 // The second JPEG 2000 peer library: decoding from memory, and a lossless
 // encode with our coding settings to a file (its size is the compressed
 // size). Its thread count is process-wide, set when it is started.
+#include <grok.h>
+
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include <grok.h>
 
 #include "jpeg2000/OpenJpegPeer.h"
 
@@ -47,7 +47,8 @@ inline Decoded GrokDecode(const uint8_t* bytes, size_t size, uint32_t threads = 
         std::vector<int32_t> samples;
         samples.reserve(size_t(comp.w) * comp.h);
         for (uint32_t y = 0; y < comp.h; ++y)
-          samples.insert(samples.end(), comp.data + size_t(y) * comp.stride, comp.data + size_t(y) * comp.stride + comp.w);
+          samples.insert(samples.end(), comp.data + size_t(y) * comp.stride,
+                         comp.data + size_t(y) * comp.stride + comp.w);
         out.components.push_back(std::move(samples));
       }
     }
@@ -62,17 +63,9 @@ inline Decoded GrokDecode(const uint8_t* bytes, size_t size, uint32_t threads = 
 inline size_t GrokEncodeToFile(const std::vector<const uint8_t*>& planes, uint32_t width, uint32_t height,
                                const std::string& path, uint32_t threads = 1) {
   GrokStart(threads);
-  std::vector<grk_image_comp> parms(planes.size());
-  for (auto& p : parms) {
-    std::memset(&p, 0, sizeof p);
-    p.dx = p.dy = 1;
-    p.w = width;
-    p.h = height;
-    p.prec = 8;
-    p.sgnd = false;
-  }
-  grk_image* image = grk_image_new(uint16_t(planes.size()), parms.data(),
-                                   planes.size() == 3 ? GRK_CLRSPC_SRGB : GRK_CLRSPC_GRAY);
+  auto parms = EightBitComponents<grk_image_comp>(planes.size(), width, height);
+  grk_image* image =
+      grk_image_new(uint16_t(planes.size()), parms.data(), planes.size() == 3 ? GRK_CLRSPC_SRGB : GRK_CLRSPC_GRAY);
   if (image == nullptr) return 0;
   image->x0 = image->y0 = 0;
   image->x1 = width;

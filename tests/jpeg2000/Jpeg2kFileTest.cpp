@@ -1,9 +1,8 @@
 // The JP2 file and the packet record as the converter writes them: boxes
 // and markers byte for byte, the record's count, the layouts' settled
 // asymmetries, the file replaced on each write, and the messages.
-#include <kestrelink/DebugOutput.h>
-
 #include <gtest/gtest.h>
+#include <kestrelink/DebugOutput.h>
 
 #include "jpeg2000/Jpeg2kTestSupport.h"
 #include "jpeg2000/OpenJpegPeer.h"
@@ -179,7 +178,8 @@ TEST(Jpeg2kFile, DecodeGivesTheFlatImageOfTheSettings) {
       std::vector<uint8_t> out0(n + 8, 0x11), out1(n + 8, 0x11), out2(4 * n + 8, 0x11);
       std::vector<uint8_t> in(64, uint8_t(attempt * 99));
       ASSERT_TRUE(wrapper.DecodeJpeg2K(attempt ? in.data() : nullptr, out0.data(), out1.data(), out2.data()));
-      for (size_t i = 0; i < out2.size(); ++i) ASSERT_EQ(out2[i], i < n * c.bytes2 ? 128 : 0x11) << c.format << " " << i;
+      for (size_t i = 0; i < out2.size(); ++i)
+        ASSERT_EQ(out2[i], i < n * c.bytes2 ? 128 : 0x11) << c.format << " " << i;
       for (size_t i = 0; i < out0.size(); ++i) ASSERT_EQ(out0[i], i < n * c.bytes0 ? 128 : 0x11) << c.format;
     }
   }

@@ -2,8 +2,8 @@
 // the samples put in.
 #include <gtest/gtest.h>
 
-#include "jpeg2000/Jpeg2kTestSupport.h"
 #include "jpeg2000/GrokPeer.h"
+#include "jpeg2000/Jpeg2kTestSupport.h"
 #include "jpeg2000/OpenJpegPeer.h"
 #include "support/TestSupport.h"
 
@@ -26,7 +26,8 @@ void ExpectSamples(const j2kpeer::Decoded& d, const Frame& f, const std::string&
   ASSERT_EQ(d.width, f.width) << what;
   ASSERT_EQ(d.height, f.height) << what;
   ASSERT_EQ(d.components.size(), f.expected.size()) << what;
-  for (size_t c = 0; c < f.expected.size(); ++c) ASSERT_EQ(d.components[c], f.expected[c]) << what << " component " << c;
+  for (size_t c = 0; c < f.expected.size(); ++c)
+    ASSERT_EQ(d.components[c], f.expected[c]) << what << " component " << c;
 }
 
 struct Size {
@@ -35,13 +36,14 @@ struct Size {
 
 TEST(Jpeg2kInterop, FilesDecodeExactlyForEveryLayoutAndSize) {
   const uint32_t formats[] = {100, 101, 300, 400, 500, 200};
-  const Size sizes[] = {{1, 1}, {2, 2}, {1, 7}, {9, 1}, {3, 5}, {17, 13}, {33, 32}, {64, 64}, {65, 129}, {127, 31},
-                        {200, 67}, {257, 255}};
+  const Size sizes[] = {{1, 1},   {2, 2},   {1, 7},    {9, 1},    {3, 5},    {17, 13},
+                        {33, 32}, {64, 64}, {65, 129}, {127, 31}, {200, 67}, {257, 255}};
   for (uint32_t format : formats)
     for (const Size& s : sizes) {
       Frame f = MakeFrame(format, s.w, s.h, s.w * 31 + s.h);
       const std::vector<uint8_t> file = WriteFile(f);
-      const std::string what = "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
+      const std::string what =
+          "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
       ASSERT_GT(file.size(), kCodestreamOffset) << what;
       ExpectSamples(j2kpeer::OpenJpegDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset, false), f,
                     what);
@@ -75,7 +77,8 @@ TEST(Jpeg2kInterop, FilesDecodeExactlyWithTheSecondPeer) {
     for (const Size& s : sizes) {
       Frame f = MakeFrame(format, s.w, s.h, s.w + s.h);
       const std::vector<uint8_t> file = WriteFile(f);
-      const std::string what = "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
+      const std::string what =
+          "format " + std::to_string(format) + " " + std::to_string(s.w) + "x" + std::to_string(s.h);
       ExpectSamples(j2kpeer::GrokDecode(file.data() + kCodestreamOffset, file.size() - kCodestreamOffset), f, what);
     }
 }

@@ -1,19 +1,19 @@
 #pragma once
 // Frames for the JPEG 2000 tests in every source layout, with the component
 // samples each layout should carry, written from the layout table.
+#include <kestrelink/CIppImageWrapper.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <random>
 #include <string>
 #include <vector>
 
-#include <kestrelink/CIppImageWrapper.h>
-
 namespace j2ktest {
 
 struct Frame {
   uint32_t format, width, height;
-  std::vector<uint8_t> planes[3];             // what the caller hands over
+  std::vector<uint8_t> planes[3];              // what the caller hands over
   std::vector<std::vector<int32_t>> expected;  // component samples, 0 .. 255
   void* Plane(int i) { return planes[i].empty() ? nullptr : planes[i].data(); }
 };
@@ -32,7 +32,8 @@ inline Frame MakeFrame(uint32_t format, uint32_t width, uint32_t height, uint32_
   f.expected.assign(mono ? 1 : 3, std::vector<int32_t>(n));
   if (mono) {
     f.planes[2].resize(n);
-    for (size_t i = 0; i < n; ++i) f.expected[0][i] = f.planes[2][i] = Sample(uint32_t(i % width), uint32_t(i / width), 0, rng);
+    for (size_t i = 0; i < n; ++i)
+      f.expected[0][i] = f.planes[2][i] = Sample(uint32_t(i % width), uint32_t(i / width), 0, rng);
     return f;
   }
   const int bytes = format == 300 ? 1 : format == 500 ? 4 : 3;

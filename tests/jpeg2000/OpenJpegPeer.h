@@ -57,6 +57,20 @@ struct MemoryStream {
   }
 };
 
+// Component records of 8-bit unsigned planes of one size, for either peer.
+template <class Parameters>
+std::vector<Parameters> EightBitComponents(size_t count, uint32_t width, uint32_t height) {
+  std::vector<Parameters> parms(count);
+  for (auto& p : parms) {
+    std::memset(&p, 0, sizeof p);
+    p.dx = p.dy = 1;
+    p.w = width;
+    p.h = height;
+    p.prec = 8;
+  }
+  return parms;
+}
+
 // jp2 selects the file format; otherwise the bytes are a bare codestream.
 inline Decoded OpenJpegDecode(const uint8_t* bytes, size_t size, bool jp2, int threads = 1) {
   Decoded out;
@@ -87,15 +101,7 @@ inline Decoded OpenJpegDecode(const uint8_t* bytes, size_t size, bool jp2, int t
 // code-blocks, one layer, LRCP, the colour transform on three components.
 inline std::vector<uint8_t> OpenJpegEncode(const std::vector<const uint8_t*>& planes, uint32_t width, uint32_t height,
                                            int threads = 1) {
-  std::vector<opj_image_cmptparm_t> parms(planes.size());
-  for (auto& p : parms) {
-    std::memset(&p, 0, sizeof p);
-    p.dx = p.dy = 1;
-    p.w = width;
-    p.h = height;
-    p.prec = 8;
-    p.sgnd = 0;
-  }
+  auto parms = EightBitComponents<opj_image_cmptparm_t>(planes.size(), width, height);
   opj_image_t* image =
       opj_image_create(OPJ_UINT32(planes.size()), parms.data(), planes.size() == 3 ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_GRAY);
   image->x1 = width;

@@ -1,11 +1,11 @@
 // The five packet walks over a small tile whose orders are written out by
 // hand, and over a larger one where each must visit every packet once.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <tuple>
-
-#include <gtest/gtest.h>
 
 #include "jpeg2000/ProgressionIterators.h"
 
@@ -27,9 +27,7 @@ std::vector<JP2PacketTuple> WalkAll(JP2TileProgrIteratorBase& it, const JP2TileG
 
 // Two layers; component 0 has resolution 0 as one 16-wide precinct and
 // resolution 1 as two 8-wide ones; component 1 has only resolution 0.
-JP2TileGeometry SmallTile() {
-  return JP2TileGeometry{2, {{{1, 1, 4, 4}, {2, 1, 3, 3}}, {{1, 1, 4, 4}}}};
-}
+JP2TileGeometry SmallTile() { return JP2TileGeometry{2, {{{1, 1, 4, 4}, {2, 1, 3, 3}}, {{1, 1, 4, 4}}}}; }
 
 TEST(ProgressionIterators, SmallTileInEveryOrder) {
   using T = JP2PacketTuple;  // layer, resolution, component, precinct
@@ -39,16 +37,26 @@ TEST(ProgressionIterators, SmallTileInEveryOrder) {
     std::vector<T> expected;
   };
   Case cases[5];
-  cases[0] = {"LRCP", std::make_unique<JP2TileProgrIteratorLRCP>(),
-              {{0, 0, 0, 0}, {0, 0, 1, 0}, {0, 1, 0, 0}, {0, 1, 0, 1}, {1, 0, 0, 0}, {1, 0, 1, 0}, {1, 1, 0, 0}, {1, 1, 0, 1}}};
-  cases[1] = {"RLCP", std::make_unique<JP2TileProgrIteratorRLCP>(),
-              {{0, 0, 0, 0}, {0, 0, 1, 0}, {1, 0, 0, 0}, {1, 0, 1, 0}, {0, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 0}, {1, 1, 0, 1}}};
-  cases[2] = {"RPCL", std::make_unique<JP2TileProgrIteratorRPCL>(),
-              {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {1, 0, 1, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}}};
-  cases[3] = {"PCRL", std::make_unique<JP2TileProgrIteratorPCRL>(),
-              {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 0, 1, 0}, {1, 0, 1, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}}};
-  cases[4] = {"CPRL", std::make_unique<JP2TileProgrIteratorCPRL>(),
-              {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}, {0, 0, 1, 0}, {1, 0, 1, 0}}};
+  cases[0] = {
+      "LRCP",
+      std::make_unique<JP2TileProgrIteratorLRCP>(),
+      {{0, 0, 0, 0}, {0, 0, 1, 0}, {0, 1, 0, 0}, {0, 1, 0, 1}, {1, 0, 0, 0}, {1, 0, 1, 0}, {1, 1, 0, 0}, {1, 1, 0, 1}}};
+  cases[1] = {
+      "RLCP",
+      std::make_unique<JP2TileProgrIteratorRLCP>(),
+      {{0, 0, 0, 0}, {0, 0, 1, 0}, {1, 0, 0, 0}, {1, 0, 1, 0}, {0, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 0}, {1, 1, 0, 1}}};
+  cases[2] = {
+      "RPCL",
+      std::make_unique<JP2TileProgrIteratorRPCL>(),
+      {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {1, 0, 1, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}}};
+  cases[3] = {
+      "PCRL",
+      std::make_unique<JP2TileProgrIteratorPCRL>(),
+      {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 0, 1, 0}, {1, 0, 1, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}}};
+  cases[4] = {
+      "CPRL",
+      std::make_unique<JP2TileProgrIteratorCPRL>(),
+      {{0, 0, 0, 0}, {1, 0, 0, 0}, {0, 1, 0, 0}, {1, 1, 0, 0}, {0, 1, 0, 1}, {1, 1, 0, 1}, {0, 0, 1, 0}, {1, 0, 1, 0}}};
   for (Case& c : cases) EXPECT_EQ(WalkAll(*c.it, SmallTile()), c.expected) << c.name;
 }
 

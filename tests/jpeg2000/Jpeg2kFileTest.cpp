@@ -136,6 +136,20 @@ TEST(Jpeg2kFile, FourByteAndInOrderLayoutsMatchBgr24) {
   EXPECT_EQ(Record(inOrder), Record(bgr));
 }
 
+// A flat 1x1 frame of 128 is one zero coefficient a component: each of the
+// six resolutions' packets is its "not empty" bit alone (80); in the first,
+// the one code-block's inclusion bit 0 follows it (bits 10, also 80).
+TEST(Jpeg2kFile, OnePixelOfMidGreyIsSixEmptyPacketsAComponent) {
+  for (uint32_t format : {100u, 200u}) {
+    Frame f = MakeFrame(format, 1, 1);
+    std::fill(f.planes[2].begin(), f.planes[2].end(), 128);
+    const size_t packets = 6 * f.expected.size();
+    std::vector<uint8_t> expected{uint8_t(packets), 0, 0, 0};
+    expected.insert(expected.end(), packets, 0x80);
+    EXPECT_EQ(Record(f), expected) << format;
+  }
+}
+
 TEST(Jpeg2kFile, WriteReplacesAnExistingFile) {
   const std::string path = TempPath("j2k_replace.jp2");
   if (std::FILE* f = std::fopen(path.c_str(), "wb")) {

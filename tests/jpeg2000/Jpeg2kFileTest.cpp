@@ -144,8 +144,9 @@ TEST(Jpeg2kFile, OnePixelOfMidGreyIsSixEmptyPacketsAComponent) {
     Frame f = MakeFrame(format, 1, 1);
     std::fill(f.planes[2].begin(), f.planes[2].end(), 128);
     const size_t packets = 6 * f.expected.size();
-    std::vector<uint8_t> expected{uint8_t(packets), 0, 0, 0};
-    expected.insert(expected.end(), packets, 0x80);
+    std::vector<uint8_t> expected(4 + packets, 0x80);  // the count, little-endian, then the packets
+    expected[0] = uint8_t(packets);
+    expected[1] = expected[2] = expected[3] = 0;
     EXPECT_EQ(Record(f), expected) << format;
   }
 }

@@ -6,6 +6,7 @@
 
 #include "jpeg2000/Jpeg2kTestSupport.h"
 #include "jpeg2000/OpenJpegPeer.h"
+#include "support/TestSupport.h"
 
 using namespace j2ktest;
 
@@ -148,6 +149,24 @@ TEST(Jpeg2kFile, OnePixelOfMidGreyIsSixEmptyPacketsAComponent) {
     expected[0] = uint8_t(packets);
     expected[1] = expected[2] = expected[3] = 0;
     EXPECT_EQ(Record(f), expected) << format;
+  }
+}
+
+// Code-blocks are coded over the team in any order; the record is the same.
+TEST(Jpeg2kFile, RecordDoesNotDependOnTheTeam) {
+  for (auto variant : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(variant);
+    Frame f = MakeFrame(200, 301, 257, 11);
+    std::vector<uint8_t> alone, team;
+    {
+      testsupport::ScopedTeam one(1);
+      alone = Record(f);
+    }
+    {
+      testsupport::ScopedTeam two(2);
+      team = Record(f);
+    }
+    EXPECT_EQ(alone, team) << kestrelink::VariantName(variant);
   }
 }
 

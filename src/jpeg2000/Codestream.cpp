@@ -80,6 +80,7 @@ void WriteMainHeader(ByteStream& out, const CodestreamShape& shape) {
   out.PutUInt16(0xFF5C);
   out.PutUInt16(shape.useWavelet ? 3 + bands : 2);
   if (!shape.useWavelet) return;
+  // One set of exponents for every component, colour-transformed ones too: settled behaviour of the format.
   out.PutByte(uint8_t(kGuardBits << 5));
   out.PutByte(uint8_t(kExponentLL << 3));
   for (uint32_t l = 0; l < shape.levels; ++l) {

@@ -82,9 +82,3 @@ class JP2TileProgrIteratorCPRL : public JP2TileProgrIteratorBase {
  protected:
   void Walk(std::vector<JP2PacketTuple>& out) const override;
 };
-
-// A class with a virtual destructor alone; the encoding path has no use for it.
-class MapFile {
- public:
-  virtual ~MapFile() = default;
-};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include <kestrelink/Export.h>
 
 // The primitive's choice between its fast and its accurate path. Values
@@ -30,8 +32,7 @@ class KESTRELINK_API CIppImageWrapper {
   // Stores the frame's size and source layout (100 and 101 mono, 300 three
   // planes, 400 packed 3 bytes, 500 packed 4 bytes, anything else BGR24).
   // fourth is not read.
-  void InitJPeg2KConverter(unsigned long width, unsigned long height, unsigned long third, unsigned long fourth,
-                           unsigned long format);
+  void InitJPeg2KConverter(uint32_t width, uint32_t height, uint32_t third, uint32_t fourth, uint32_t format);
   // out receives a 32-bit little-endian byte count and that many bytes of
   // packets; it must be large enough.
   bool EncodeJpeg2K(void* plane0, void* plane1, void* plane2, void* out);

@@ -382,6 +382,27 @@ head -c 10 "$work/ramp12.wvl" >"$work/short.wvl"
 expect_refusal 1 "too short" wavelet decode --size 72x50 --bits 12 "$work/short.wvl" "$work/x.raw"
 expect_refusal 2 "missing --size" wavelet encode "$work/black.raw" "$work/x.wvl"
 
+# --- j2k encode --------------------------------------------------------------
+# A 1x1 grey frame of 128 is one zero coefficient: six packets, each only its
+# "not empty" bit (80), the first with the code-block left out (bits 10).
+printf '\x80' >"$work/grey1.raw"
+"$tool" j2k encode --size 1x1 --record "$work/grey1.bin" "$work/grey1.raw" "$work/grey1.jp2" >"$work/j2k.txt" ||
+  fail "j2k encode: exit $?"
+expect_bytes "packet record of a 1x1 grey frame" "$work/grey1.bin" "06 00 00 00 80 80 80 80 80 80"
+[[ $(hex_at "$work/grey1.jp2" 0 12) == "00 00 00 0c 6a 50 20 20 0d 0a 87 0a" ]] ||
+  fail "j2k encode: the file does not start with the signature box"
+[[ $(hex_at "$work/grey1.jp2" $(($(stat -c %s "$work/grey1.jp2") - 8)) 8) == "80 80 80 80 80 80 ff d9" ]] ||
+  fail "j2k encode: the file does not end with the packets and EOC"
+grep -q "grey1.jp2 .* bytes" "$work/j2k.txt" || fail "j2k encode printed no size"
+head -c $((6 * 4 * 3)) /dev/urandom >"$work/planar.raw"
+"$tool" j2k encode --layout planar --size 6x4 "$work/planar.raw" "$work/planar.jp2" >/dev/null ||
+  fail "j2k encode planar: exit $?"
+expect_refusal 2 "missing --size" j2k encode "$work/grey1.raw" "$work/x.jp2"
+expect_refusal 2 "unknown --layout" j2k encode --layout yuv --size 1x1 "$work/grey1.raw" "$work/x.jp2"
+expect_refusal 1 "" j2k encode --layout bgr24 --size 2x2 "$work/grey1.raw" "$work/x.jp2"
+grep -qF "18-bgrx-lossless.jp2" "$work/demo.txt" || fail "demo did not list its JP2 file"
+[[ -s "$demo_dir/18-bgrx-lossless.jp2" ]] || fail "demo wrote no JP2 file"
+
 # --- demosaic -------------------------------------------------------------
 # A 6x4 RGGB frame of one colour (red 200, green 100, blue 50) comes back as
 # that colour at every pixel, blue first; a balance adds to red and blue

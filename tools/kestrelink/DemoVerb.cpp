@@ -13,6 +13,7 @@
 #include "Conversions.h"
 #include "DemosaicVerb.h"
 #include "FrameFile.h"
+#include "Jpeg2kVerb.h"
 #include "LayoutPng.h"
 #include "MirrorRotateVerbs.h"
 #include "PngFile.h"
@@ -98,7 +99,8 @@ void PrintDemoUsage(std::ostream& out) {
          "colour patches and fixed-seed noise, the same at every run) as mono16 at depth 12,\n"
          "and writes it and conversions of it as PNG files into DIR: grey, BGRx, flipped BGR,\n"
          "each pseudo-colour map, an ASC curve and a clip level, a demosaiced Bayer frame, the\n"
-         "BGRx picture mirrored and turned by 12.5 degrees, and the scene resized to half size.\n"
+         "BGRx picture mirrored and turned by 12.5 degrees, the BGRx picture as a lossless JP2\n"
+         "file, and the scene resized to half size.\n"
          "Prints the folder and the files.\n"
          "Then encodes 30 frames of the scene, panning, to H.264 records and decodes them back,\n"
          "printing the stream's size, bit rate and PSNR, and writes the scene as a JPEG\n"
@@ -165,6 +167,10 @@ int RunDemo(std::span<const std::string_view> args) {
   tilt.smooth = true;
   WritePng((path / rotatedPng).string(), LayoutToPng(LayoutId::Bgrx, w, h, 8, RotateFrame(LayoutId::Bgrx, size, bgrx, tilt).bytes));
   written.emplace_back(rotatedPng, "the BGRx picture turned 12.5 degrees clockwise, bicubic, smooth edge");
+  const std::string jp2File = "18-bgrx-lossless.jp2";
+  const uint64_t jp2Bytes = WriteBgrxJp2((path / jp2File).string(), size, bgrx);
+  written.emplace_back(jp2File, "the BGRx picture as a lossless JP2 file, " + std::to_string(jp2Bytes) +
+                                    " bytes (kestrelink j2k)");
   const FrameSize half{std::max(1u, w / 2), std::max(1u, h / 2)};
   const std::string resizedPng = "17-resized-half-lanczos.png";
   const std::vector<uint8_t> resized =

@@ -2,6 +2,7 @@
 #include "CompressVerbs.h"
 #include "DemosaicVerb.h"
 #include "GeometryVerbs.h"
+#include "Jpeg2kVerb.h"
 #include "JpegVerb.h"
 #include "MirrorRotateVerbs.h"
 #include "MotionVerb.h"
@@ -27,6 +28,7 @@ constexpr Verb kVerbs[] = {
      PrintDemosaicUsage},
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
+    {"j2k", "encode an 8-bit frame to a lossless JP2 file, and to a packet record", RunJpeg2k, PrintJpeg2kUsage},
     {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
     {"motion", "find the change between two grey frames: difference, threshold, opening, counts", RunMotion,

@@ -1,0 +1,51 @@
+#pragma once
+// Tier-1 coding of one code-block: the magnitude bit-planes from the most
+// significant one down, a cleanup pass on the first plane and then the
+// significance propagation, magnitude refinement and cleanup passes on each
+// plane below, in stripes of four rows, through one MQ coder terminated
+// once at the end.
+#include <cstddef>
+#include <cstdint>
+
+#include "jpeg2000/MqEncoder.h"
+
+namespace kestrelink::j2k {
+
+// Sub-band orientations; they choose the zero-coding context table.
+enum BandOrientation : uint8_t { kBandLL = 0, kBandHL = 1, kBandLH = 2, kBandHH = 3 };
+
+inline constexpr uint32_t kMaxBlockSide = 64;
+
+struct CodedBlock {
+  uint32_t planes = 0;  // magnitude bit-planes, 0 for an all-zero block
+  uint32_t passes = 0;
+  size_t bytes = 0;
+};
+
+class CodeBlockCoder {
+ public:
+  // Worst-case bytes for a block of `samples` coefficients with up to 31 planes.
+  static size_t OutputBound(size_t samples) { return samples * 31 * 4 + 64; }
+
+  // Codes the w by h coefficients at `coefficients` (rows `stride` apart,
+  // w and h at most 64) into out + 1 (out[0] is the coder's leading byte).
+  CodedBlock Encode(const int32_t* coefficients, size_t stride, uint32_t w, uint32_t h, BandOrientation band,
+                    uint8_t* out);
+
+ private:
+  // Each pass works on a copy of the coder's registers, kept in machine
+  // registers, and hands it back at the end.
+  void CleanupPass(uint32_t plane);
+  void SignificancePass(uint32_t plane);
+  void RefinementPass(uint32_t plane);
+
+  uint32_t m_width = 0, m_height = 0;
+  const uint8_t* m_zeroContexts = nullptr;
+  MqEncoder m_mq;
+  MqContext m_contexts[kContextCount];
+  // Magnitudes row by row; flags with a border of one cell on every side.
+  uint32_t m_magnitudes[kMaxBlockSide * kMaxBlockSide];
+  uint32_t m_flags[(kMaxBlockSide + 2) * (kMaxBlockSide + 2)];
+};
+
+}  // namespace kestrelink::j2k

@@ -69,12 +69,13 @@ inline int16_t Saturate16(int64_t v) { return int16_t(std::clamp<int64_t>(v, -32
 // 2 X[k] = A - i W^k B with A = Z[k] + conj Z[M-k], B = Z[k] - conj Z[M-k],
 // then scaled, rounded and saturated into the CCS form.
 inline void SplitPass(const kestrelink::fft::FftPlan& plan, const int32_t* re, const int32_t* im, int16_t* dst,
-                      int scaleFactor) {
+                      int scaleFactor, uint32_t from = 0, uint32_t to = ~0u) {
   const uint32_t m = plan.half;
   const int shift = std::min(plan.shift + scaleFactor, 62);  // every lane is below 2^62
   const int64_t mul = plan.multiplier;
   const int64_t round = shift > 0 ? int64_t(1) << (shift - 1) : 0;
-  for (uint32_t k = 0; k <= m; ++k) {
+  to = std::min(to, m + 1);
+  for (uint32_t k = from; k < to; ++k) {
     const uint32_t p = k == m ? 0 : k, q = k == 0 ? 0 : m - k;
     const int32_t ar = re[p] + re[q], ai = im[p] - im[q];
     const int32_t br = re[p] - re[q], bi = im[p] + im[q];
@@ -90,11 +91,15 @@ inline void SplitPass(const kestrelink::fft::FftPlan& plan, const int32_t* re, c
       dst[2 * k + 1] = Saturate16(std::clamp<int64_t>(xi * mul, -65536, 65536) * (int64_t(1) << -shift));
     }
   }
-  dst[1] = 0, dst[2 * m + 1] = 0;
+  if (from == 0) dst[1] = 0;
+  if (to == m + 1) dst[2 * m + 1] = 0;
 }
 
+// pass(re, im, half, h, twiddleRe, twiddleIm) runs one radix-2 pass;
+// split(plan, re, im, dst, scaleFactor) the split pass.
+template <class Pass, class Split>
 inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor,
-                           int32_t* work) {
+                           int32_t* work, Pass pass, Split split) {
   const uint32_t m = plan.half;
   int32_t* re = work;
   int32_t* im = work + m;
@@ -104,8 +109,8 @@ inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* 
     Radix4Pass(re, im, m);
     h = 4;
   }
-  for (; h < m; h <<= 1) Radix2Pass(re, im, m, h, plan.passRe.data() + h - 1, plan.passIm.data() + h - 1);
-  SplitPass(plan, re, im, dst, scaleFactor);
+  for (; h < m; h <<= 1) pass(re, im, m, h, plan.passRe.data() + h - 1, plan.passIm.data() + h - 1);
+  split(plan, re, im, dst, scaleFactor);
 }
 
 inline void AddMagnitudesPlain(const Ipp16sc* points, double* spectrum, uint32_t count) {

@@ -30,6 +30,18 @@ struct RegionColour {
   Bgr operator()(uint32_t l) const { return Bgr{Channel(blue[l]), Channel(green[l]), Channel(red[l])}; }
 };
 
+// The first layer's, the second layer's and the overlap's colours.
+struct HslRegions {
+  RegionColour one, two, both;
+};
+
+HslRegions RegionsOf(const CIppImageMerger& m, uint32_t bitDepth) {
+  const uint16_t* g = m.gammaTable.data();
+  return {{m.hslRed1, m.hslGreen1, m.hslBlue1, g, bitDepth},
+          {m.hslRed2, m.hslGreen2, m.hslBlue2, g, bitDepth},
+          {m.hslRedW, m.hslGreenW, m.hslBlueW, g, bitDepth}};
+}
+
 }  // namespace
 
 bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void* image1, void* background1,
@@ -38,68 +50,63 @@ bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void
                                          int centerX, int centerY, double gamma, double angle, int mirror,
                                          int interpolation, bool bSmoothEdge) {
   MergeCall<uint8_t> call;
-  ReBuildGamma(gamma, 8);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 3, 255,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1, width2,
+                 height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   PrepareHslTables(hue1, hue2);
-  const uint16_t* g = gammaTable.data();
-  const RegionColour one{hslRed1, hslGreen1, hslBlue1, g, 8}, two{hslRed2, hslGreen2, hslBlue2, g, 8},
-      both{hslRedW, hslGreenW, hslBlueW, g, 8};
+  const auto [one, two, both] = RegionsOf(*this, 8);
   const uint8_t* ratio = ratioTable.data();
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
-              [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
-              [&](uint8_t a, uint8_t b) { return both(ratio[a * 256 + b]); }, BgrNeither{Bgr{0, 0, 0}});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
+      [&](uint8_t a, uint8_t b) { return both(ratio[a * 256 + b]); }, BgrNeither{Bgr{0, 0, 0}});
   return true;
 }
 
 bool CIppImageMerger::SubMono16ToBGRByHSL(uint32_t width1, uint32_t height1, uint32_t bitDepth, void* image1,
                                           void* background1, uint32_t hue1, uint32_t width2, uint32_t height2,
                                           void* image2, void* background2, uint32_t hue2, void* dst, int offsetX,
-                                          int offsetY, int centerX, int centerY, double gamma, double angle,
-                                          int mirror, int interpolation, bool bSmoothEdge) {
+                                          int offsetY, int centerX, int centerY, double gamma, double angle, int mirror,
+                                          int interpolation, bool bSmoothEdge) {
   using namespace kestrelink::merge;
-  if (!DepthInRange(bitDepth)) return false;
   MergeCall<uint16_t> call;
-  ReBuildGamma(gamma, int(bitDepth));
-  const uint32_t top = DepthMax(bitDepth);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 3, top,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1,
+                 width2, height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
+  const uint32_t top = call.top;
   PrepareHslTables(hue1, hue2);
-  const uint16_t* g = gammaTable.data();
-  const RegionColour one{hslRed1, hslGreen1, hslBlue1, g, bitDepth}, two{hslRed2, hslGreen2, hslBlue2, g, bitDepth},
-      both{hslRedW, hslGreenW, hslBlueW, g, bitDepth};
+  const auto [one, two, both] = RegionsOf(*this, bitDepth);
   const auto light = [top, bitDepth](uint16_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
-              [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
-              [&](uint16_t a, uint16_t b) {
-                const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
-                return both(b == 0 ? light(uint16_t(r)) : uint32_t(r));
-              },
-              BgrNeither{Bgr{0, 0, 0}});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
+      [&](uint16_t a, uint16_t b) {
+        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
+        return both(b == 0 ? light(uint16_t(r)) : uint32_t(r));
+      },
+      BgrNeither{Bgr{0, 0, 0}});
   return true;
 }
 
-bool CIppImageMerger::MergeMono8ToBGRByHSL(uint32_t width1, uint32_t height1, float weight, void* image1,
-                                           uint32_t hue1, uint32_t width2, uint32_t height2, void* image2,
-                                           uint32_t hue2, void* dst, int offsetX, int offsetY, int centerX,
-                                           int centerY, double gamma, double angle, int mirror, int interpolation,
-                                           bool bSmoothEdge) {
+bool CIppImageMerger::MergeMono8ToBGRByHSL(uint32_t width1, uint32_t height1, float weight, void* image1, uint32_t hue1,
+                                           uint32_t width2, uint32_t height2, void* image2, uint32_t hue2, void* dst,
+                                           int offsetX, int offsetY, int centerX, int centerY, double gamma,
+                                           double angle, int mirror, int interpolation, bool bSmoothEdge) {
   MergeCall<uint8_t> call;
-  ReBuildGamma(gamma, 8);
-  if (!BeginCall(call, width1, height1, image1, nullptr, width2, height2, image2, nullptr, dst, 3, 255, offsetX,
-                 offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, nullptr, width2,
+                 height2, image2, nullptr, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   PrepareHslTables(hue1, hue2);
-  const uint16_t* g = gammaTable.data();
-  const RegionColour one{hslRed1, hslGreen1, hslBlue1, g, 8}, two{hslRed2, hslGreen2, hslBlue2, g, 8},
-      both{hslRedW, hslGreenW, hslBlueW, g, 8};
+  const auto [one, two, both] = RegionsOf(*this, 8);
   const int64_t w = BlendWeight(weight);
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
-              [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
-              [&](uint8_t a, uint8_t b) { return both(uint32_t(std::clamp<int64_t>(((256 - w) * b + a * w) >> 8, 0, 255))); },
-              BgrNeither{Bgr{0, 0, 0}});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
+      [&](uint8_t a, uint8_t b) { return both(uint32_t(std::clamp<int64_t>(((256 - w) * b + a * w) >> 8, 0, 255))); },
+      BgrNeither{Bgr{0, 0, 0}});
   return true;
 }
 
@@ -109,25 +116,23 @@ bool CIppImageMerger::MergeMono16ToBGRByHSL(uint32_t width1, uint32_t height1, u
                                             int centerX, int centerY, double gamma, double angle, int mirror,
                                             int interpolation, bool bSmoothEdge) {
   using namespace kestrelink::merge;
-  if (!DepthInRange(bitDepth)) return false;
   MergeCall<uint16_t> call;
-  ReBuildGamma(gamma, int(bitDepth));
-  const uint32_t top = DepthMax(bitDepth);
-  if (!BeginCall(call, width1, height1, image1, nullptr, width2, height2, image2, nullptr, dst, 3, top, offsetX,
-                 offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, nullptr, width2,
+                 height2, image2, nullptr, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
+  const uint32_t top = call.top;
   PrepareHslTables(hue1, hue2);
-  const uint16_t* g = gammaTable.data();
-  const RegionColour one{hslRed1, hslGreen1, hslBlue1, g, bitDepth}, two{hslRed2, hslGreen2, hslBlue2, g, bitDepth},
-      both{hslRedW, hslGreenW, hslBlueW, g, bitDepth};
+  const auto [one, two, both] = RegionsOf(*this, bitDepth);
   const int64_t w = BlendWeight(weight);
   const auto light = [top, bitDepth](uint32_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
-              [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
-              [&](uint16_t a, uint16_t b) {
-                const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);
-                return both(light(uint32_t(std::clamp<int64_t>(((256 - w) * sb + sa * w) >> 8, 0, top))));
-              },
-              BgrNeither{Bgr{0, 0, 0}});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
+      [&](uint16_t a, uint16_t b) {
+        const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);
+        return both(light(uint32_t(std::clamp<int64_t>(((256 - w) * sb + sa * w) >> 8, 0, top))));
+      },
+      BgrNeither{Bgr{0, 0, 0}});
   return true;
 }

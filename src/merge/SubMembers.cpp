@@ -17,16 +17,17 @@ bool CIppImageMerger::SubMono8ToMono8(uint32_t width1, uint32_t height1, void* i
                                       int offsetX, int offsetY, int centerX, int centerY, double gamma, double angle,
                                       int mirror, int interpolation, bool bSmoothEdge) {
   MergeCall<uint8_t> call;
-  ReBuildGamma(gamma, 8);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 1, 255,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1, width2,
+                 height2, image2, background2, dst, 1, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   const uint16_t* g = gammaTable.data();
   const uint8_t* ratio = ratioTable.data();
   const auto single = [g](uint8_t v) { return uint8_t(g[v]); };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint8_t*>(dst), single, single,
-              [g, ratio](uint8_t a, uint8_t b) { return uint8_t(g[ratio[a * 256 + b]]); },
-              kestrelink::merge::MonoNeither<uint8_t>{&call.p, call.cleared});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint8_t*>(dst), single, single,
+      [g, ratio](uint8_t a, uint8_t b) { return uint8_t(g[ratio[a * 256 + b]]); },
+      kestrelink::merge::MonoNeither<uint8_t>{&call.p, call.cleared});
   return true;
 }
 
@@ -36,17 +37,17 @@ bool CIppImageMerger::SubMono8ToBGRByPseudoColor(uint32_t width1, uint32_t heigh
                                                  double gamma, double angle, int mirror, int interpolation,
                                                  bool bSmoothEdge) {
   MergeCall<uint8_t> call;
-  ReBuildGamma(gamma, 8);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 3, 255,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1, width2,
+                 height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   const uint16_t* g = gammaTable.data();
   const uint8_t* ratio = ratioTable.data();
   const auto colour = [this](uint32_t v) { return Bgr{pseudoBlue[v], pseudoGreen[v], pseudoRed[v]}; };
   const auto single = [&](uint8_t v) { return colour(g[v]); };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
-              [&](uint8_t a, uint8_t b) { return colour(g[ratio[a * 256 + b]]); },
-              kestrelink::merge::BgrNeither{colour(0)});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
+      [&](uint8_t a, uint8_t b) { return colour(g[ratio[a * 256 + b]]); }, kestrelink::merge::BgrNeither{colour(0)});
   return true;
 }
 
@@ -56,21 +57,21 @@ bool CIppImageMerger::SubMono16ToMono16(uint32_t width1, uint32_t height1, uint3
                                         int centerY, double gamma, double angle, int mirror, int interpolation,
                                         bool bSmoothEdge) {
   using namespace kestrelink::merge;
-  if (!DepthInRange(bitDepth)) return false;
   MergeCall<uint16_t> call;
-  ReBuildGamma(gamma, int(bitDepth));
-  const uint32_t top = DepthMax(bitDepth);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 2, top,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1,
+                 width2, height2, image2, background2, dst, 2, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
+  const uint32_t top = call.top;
   const uint16_t* g = gammaTable.data();
   const auto single = [g, top](uint16_t v) { return g[std::min<uint32_t>(v, top)]; };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
-              [&](uint16_t a, uint16_t b) {
-                const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
-                return g[std::min<uint32_t>(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth), top)];
-              },
-              MonoNeither<uint16_t>{&call.p, call.cleared});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
+      [&](uint16_t a, uint16_t b) {
+        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
+        return g[std::min<uint32_t>(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth), top)];
+      },
+      MonoNeither<uint16_t>{&call.p, call.cleared});
   return true;
 }
 
@@ -80,24 +81,24 @@ bool CIppImageMerger::SubMono16ToBGRByPseudoColor(uint32_t width1, uint32_t heig
                                                   int centerY, double gamma, double angle, int mirror,
                                                   int interpolation, bool bSmoothEdge) {
   using namespace kestrelink::merge;
-  if (!DepthInRange(bitDepth)) return false;
   MergeCall<uint16_t> call;
-  ReBuildGamma(gamma, int(bitDepth));
-  const uint32_t top = DepthMax(bitDepth);
-  if (!BeginCall(call, width1, height1, image1, background1, width2, height2, image2, background2, dst, 3, top,
-                 offsetX, offsetY, {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1,
+                 width2, height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
+  const uint32_t top = call.top;
   const uint16_t* g = gammaTable.data();
   const auto colour = [&](uint32_t v) {
     const uint32_t c = std::min<uint32_t>(ToByte(g[std::min(v, top)], bitDepth), 255);
     return Bgr{pseudoBlue[c], pseudoGreen[c], pseudoRed[c]};
   };
   const auto single = [&](uint16_t v) { return colour(v); };
-  OverlayRows(call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
-              [&](uint16_t a, uint16_t b) {
-                const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
-                return colour(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth));
-              },
-              BgrNeither{Bgr{pseudoBlue[0], pseudoGreen[0], pseudoRed[0]}});
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
+      [&](uint16_t a, uint16_t b) {
+        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
+        return colour(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth));
+      },
+      BgrNeither{Bgr{pseudoBlue[0], pseudoGreen[0], pseudoRed[0]}});
   return true;
 }

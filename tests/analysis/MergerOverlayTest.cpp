@@ -3,7 +3,6 @@
 // strict inside tests and the streamed second layer; ratio, blend, colour
 // and channel rules at their corners; rotation, mirror and failures.
 #include <gtest/gtest.h>
-
 #include <kestrelink/CIppImageMerger.h>
 
 #include <algorithm>
@@ -24,8 +23,8 @@ struct Placing {
 // Same sizes, second inside the first, second overhanging, negative
 // offsets, layers apart, second larger.
 const Placing kPlacings[] = {
-    {7, 5, 7, 5, 0, 0},   {9, 8, 4, 3, 2, 3},   {6, 6, 5, 4, 3, 4},    {8, 5, 6, 6, -2, -1},
-    {4, 3, 3, 2, 6, 5},   {3, 4, 9, 7, 0, 0},   {10, 7, 10, 7, -3, 2}, {5, 9, 2, 2, 1, 1},
+    {7, 5, 7, 5, 0, 0}, {9, 8, 4, 3, 2, 3}, {6, 6, 5, 4, 3, 4},    {8, 5, 6, 6, -2, -1},
+    {4, 3, 3, 2, 6, 5}, {3, 4, 9, 7, 0, 0}, {10, 7, 10, 7, -3, 2}, {5, 9, 2, 2, 1, 1},
 };
 
 constexpr uint8_t kStale = 0xA7;
@@ -39,16 +38,16 @@ Words Random16(size_t n, uint32_t limit, uint32_t seed) {
 
 TEST(MergerOverlay, SubMono8MatchesModelAtEveryPlacing) {
   for (const Placing& c : kPlacings) {
-    SCOPED_TRACE(testing::Message() << c.w1 << "x" << c.h1 << " + " << c.w2 << "x" << c.h2 << " at " << c.offsetX
-                                    << "," << c.offsetY);
+    SCOPED_TRACE(testing::Message() << c.w1 << "x" << c.h1 << " + " << c.w2 << "x" << c.h2 << " at " << c.offsetX << ","
+                                    << c.offsetY);
     CIppImageMerger m;
     m.RebuildSlopeLUT(3, 0.7f, 1);
     Bytes a = testsupport::RandomBytes(size_t(c.w1) * c.h1, 1), b = testsupport::RandomBytes(size_t(c.w2) * c.h2, 2);
     b[0] = 0, b[3 % b.size()] = 0;  // ratios by 0
     const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
     Bytes got(size_t(l.width) * l.height, kStale), want = got;
-    ASSERT_TRUE(m.SubMono8ToMono8(c.w1, c.h1, a.data(), nullptr, c.w2, c.h2, b.data(), nullptr, got.data(),
-                                  c.offsetX, c.offsetY, 0, 0, 1.6, 0.0, 0, 0, false));
+    ASSERT_TRUE(m.SubMono8ToMono8(c.w1, c.h1, a.data(), nullptr, c.w2, c.h2, b.data(), nullptr, got.data(), c.offsetX,
+                                  c.offsetY, 0, 0, 1.6, 0.0, 0, 0, false));
     const bool cleared = c.w1 != c.w2 || c.h1 != c.h2;
     const auto g = [&](int v) { return uint8_t(m.gammaTable[v]); };
     const auto ratio = [&](int x, int y) { return y == 0 ? x : int(m.slopeTable[std::min((x << 8) / y, 255)]); };
@@ -82,7 +81,9 @@ TEST(MergerOverlay, MergeMono16AndPseudoColour16MatchModel) {
     const auto g = [&](uint16_t v) { return m.gammaTable[clip(v)]; };
     mergerref::Overlay<uint16_t, uint16_t>(
         c.w1, c.h1, a, c.w2, c.h2, b, c.offsetX, c.offsetY, want, g, g,
-        [&](uint16_t x, uint16_t y) { return m.gammaTable[std::clamp(((256 - w) * clip(y) + clip(x) * w) >> 8, 0, 4095)]; },
+        [&](uint16_t x, uint16_t y) {
+          return m.gammaTable[std::clamp(((256 - w) * clip(y) + clip(x) * w) >> 8, 0, 4095)];
+        },
         [&](uint16_t& o, int x, int y) {
           if (x >= l.x1 && x < l.x1 + c.w1 && y >= l.y1 && y < l.y1 + c.h1)
             o = a[size_t(y - l.y1) * c.w1 + (x - l.x1)];
@@ -110,7 +111,9 @@ TEST(MergerOverlay, MergeMono16AndPseudoColour16MatchModel) {
           if (y == 0) return colour(x);
           return colour(m.slopeTable[std::min((clip(x) << 8) / clip(y), 255)] << 4);
         },
-        [&](Px& o, int, int) { o = Px{0, 0, 0}; });
+        [&](Px& o, int, int) {
+          o = Px{0, 0, 0};
+        });
     for (size_t i = 0; i < wantBgr.size(); ++i) {
       ASSERT_EQ(bgr[3 * i], wantBgr[i].b) << i;
       ASSERT_EQ(bgr[3 * i + 1], wantBgr[i].g) << i;
@@ -128,22 +131,22 @@ TEST(MergerOverlay, RatioAndBlendCorners) {
     float weight;
     int ratioWant, blendWant;
   } rows[] = {
-      {90, 0, 1.0f, 90, 90},          // b 0: the ratio is a; weight 1: a
-      {90, 90, 0.0f, -255, 90},       // a = b: slopeTable[255]; weight 0: b
-      {1, 1, 0.5f, -255, 1},          // a = b = 1, still capped at 255
-      {10, 200, 0.0f, -12, 200},      // (10 << 8) / 200 = 12
-      {200, 10, 0.25f, -255, 57},     // (0.75 * 10 + 0.25 * 200), 192 * 10 + 64 * 200 >> 8
+      {90, 0, 1.0f, 90, 90},       // b 0: the ratio is a; weight 1: a
+      {90, 90, 0.0f, -255, 90},    // a = b: slopeTable[255]; weight 0: b
+      {1, 1, 0.5f, -255, 1},       // a = b = 1, still capped at 255
+      {10, 200, 0.0f, -12, 200},   // (10 << 8) / 200 = 12
+      {200, 10, 0.25f, -255, 57},  // (0.75 * 10 + 0.25 * 200), 192 * 10 + 64 * 200 >> 8
       {0, 50, 1.0f, -0, 0},
   };
   for (auto r : rows) {
     Bytes a(12, 0), b(12, 0), out(12);
     a[6] = r.a, b[6] = r.b;
-    ASSERT_TRUE(m.SubMono8ToMono8(4, 3, a.data(), nullptr, 4, 3, b.data(), nullptr, out.data(), 0, 0, 0, 0, 1.0, 0.0,
-                                  0, 0, false));
+    ASSERT_TRUE(m.SubMono8ToMono8(4, 3, a.data(), nullptr, 4, 3, b.data(), nullptr, out.data(), 0, 0, 0, 0, 1.0, 0.0, 0,
+                                  0, false));
     EXPECT_EQ(out[6], r.ratioWant < 0 || (r.ratioWant == 0 && r.b != 0) ? m.slopeTable[-r.ratioWant] : r.ratioWant)
         << int(r.a) << "/" << int(r.b);
-    ASSERT_TRUE(m.MergeMono8ToMono8(4, 3, a.data(), r.weight, 4, 3, b.data(), out.data(), 0, 0, 0, 0, 1.0, 0.0, 0, 0,
-                                    false));
+    ASSERT_TRUE(
+        m.MergeMono8ToMono8(4, 3, a.data(), r.weight, 4, 3, b.data(), out.data(), 0, 0, 0, 0, 1.0, 0.0, 0, 0, false));
     EXPECT_EQ(out[6], r.blendWant) << int(r.a) << "," << int(r.b) << " w " << r.weight;
   }
   // A weight beyond 1 clamps at 255 and 0; through a gamma table, too.
@@ -169,10 +172,10 @@ TEST(MergerOverlay, ChannelCodesWriteTheirBytesAndSixFailsBeforeAnyWrite) {
   }
   for (int bad : {6, 7, -1}) {
     Bytes a(6, 40), b(6, 90), out(18 + 3 * 6, kStale);
-    EXPECT_FALSE(m.MergeMono8ToBGR(3, 2, a.data(), bad, 0.5f, 3, 2, b.data(), 0, 0.5f, out.data(), 2, 2, 0, 0, 1.0,
-                                   0.0, 0, 0, false));
-    EXPECT_FALSE(m.MergeMono8ToBGR(3, 2, a.data(), 0, 0.5f, 3, 2, b.data(), bad, 0.5f, out.data(), 2, 2, 0, 0, 1.0,
-                                   0.0, 0, 0, false));
+    EXPECT_FALSE(m.MergeMono8ToBGR(3, 2, a.data(), bad, 0.5f, 3, 2, b.data(), 0, 0.5f, out.data(), 2, 2, 0, 0, 1.0, 0.0,
+                                   0, 0, false));
+    EXPECT_FALSE(m.MergeMono8ToBGR(3, 2, a.data(), 0, 0.5f, 3, 2, b.data(), bad, 0.5f, out.data(), 2, 2, 0, 0, 1.0, 0.0,
+                                   0, 0, false));
     EXPECT_EQ(out, Bytes(out.size(), kStale));
   }
   // 16 bits: the gamma value's top 8 bits.
@@ -180,7 +183,9 @@ TEST(MergerOverlay, ChannelCodesWriteTheirBytesAndSixFailsBeforeAnyWrite) {
   Bytes out(18, 0);
   ASSERT_TRUE(m.MergeMono16ToBGR(3, 2, 10, a.data(), 2, 0.f, 3, 2, b.data(), 0, 0.f, out.data(), 0, 0, 0, 0, 1.0, 0.0,
                                  0, 0, false));
-  EXPECT_EQ(out[0], 0x40); EXPECT_EQ(out[1], 0); EXPECT_EQ(out[2], 0xFF);
+  EXPECT_EQ(out[0], 0x40);
+  EXPECT_EQ(out[1], 0);
+  EXPECT_EQ(out[2], 0xFF);
 }
 
 TEST(MergerOverlay, RotationAndMirrorOfTheSecondLayer) {
@@ -218,9 +223,9 @@ TEST(MergerOverlay, BackgroundsAreTakenOffFirst) {
   for (int i = 0; i < 20; ++i) diffA[i] = uint8_t(std::abs(a[i] - bgA[i]));
   for (int i = 0; i < 12; ++i) diffB[i] = uint8_t(std::abs(b[i] - bgB[i]));
   Bytes got(5 * 4 * 3, 0), want(5 * 4 * 3, 0);
-  ASSERT_TRUE(m.SubMono8ToBGRByPseudoColor(5, 4, const_cast<uint8_t*>(a.data()), const_cast<uint8_t*>(bgA.data()), 4,
-                                           3, const_cast<uint8_t*>(b.data()), const_cast<uint8_t*>(bgB.data()),
-                                           got.data(), 1, 1, 0, 0, 1.0, 0.0, 0, 0, false));
+  ASSERT_TRUE(m.SubMono8ToBGRByPseudoColor(5, 4, const_cast<uint8_t*>(a.data()), const_cast<uint8_t*>(bgA.data()), 4, 3,
+                                           const_cast<uint8_t*>(b.data()), const_cast<uint8_t*>(bgB.data()), got.data(),
+                                           1, 1, 0, 0, 1.0, 0.0, 0, 0, false));
   ASSERT_TRUE(m.SubMono8ToBGRByPseudoColor(5, 4, diffA.data(), nullptr, 4, 3, diffB.data(), nullptr, want.data(), 1, 1,
                                            0, 0, 1.0, 0.0, 0, 0, false));
   EXPECT_EQ(got, want);
@@ -231,11 +236,13 @@ TEST(MergerOverlay, HslRegionsTakeTheirOwnHue) {
   // 6x4 first, 2x2 second at (3, 1): (1, 2) first only, (4, 2) both, (3, 1)
   // is first-strict but not second-strict, so first only.
   Bytes a(24, 100), b(4, 100), out(24 * 3, kStale);
-  ASSERT_TRUE(m.MergeMono8ToBGRByHSL(6, 4, 0.5f, a.data(), 0, 2, 2, b.data(), 170, out.data(), 3, 1, 0, 0, 1.0, 0.0,
-                                     0, 0, false));
+  ASSERT_TRUE(m.MergeMono8ToBGRByHSL(6, 4, 0.5f, a.data(), 0, 2, 2, b.data(), 170, out.data(), 3, 1, 0, 0, 1.0, 0.0, 0,
+                                     0, false));
   const auto px = [&](int x, int y) { return &out[(y * 6 + x) * 3]; };
   // Hue 0 at lightness 100: m2 = (100 * 510 + 127) / 255 = 200, m1 = 0: red 200.
-  EXPECT_EQ(px(1, 2)[2], 200); EXPECT_EQ(px(1, 2)[1], 0); EXPECT_EQ(px(1, 2)[0], 0);
+  EXPECT_EQ(px(1, 2)[2], 200);
+  EXPECT_EQ(px(1, 2)[1], 0);
+  EXPECT_EQ(px(1, 2)[0], 0);
   EXPECT_EQ(px(3, 1)[2], 200);
   // Overlap: red (255, 1, 1) and blue (1, 1, 255) added give (255, 2, 255):
   // hue dB - dG = 0 - 42 -> 213, saturation 255. At lightness 100 (the
@@ -243,24 +250,29 @@ TEST(MergerOverlay, HslRegionsTakeTheirOwnHue) {
   // 0, blue at 128 is (200 * 42 + 21) / 42 = 200.
   EXPECT_EQ(m.hslHueW, 213);
   EXPECT_EQ(m.hslSatW, 255);
-  EXPECT_EQ(px(4, 2)[0], 200); EXPECT_EQ(px(4, 2)[1], 0); EXPECT_EQ(px(4, 2)[2], 200);
+  EXPECT_EQ(px(4, 2)[0], 200);
+  EXPECT_EQ(px(4, 2)[1], 0);
+  EXPECT_EQ(px(4, 2)[2], 200);
   // The first layer's left column is claimed by neither layer: black.
-  EXPECT_EQ(px(0, 2)[0], 0); EXPECT_EQ(px(0, 2)[2], 0);
-  EXPECT_EQ(m.hslHue1, 0); EXPECT_EQ(m.hslHue2, 170); EXPECT_EQ(m.hslSat1, 255);
+  EXPECT_EQ(px(0, 2)[0], 0);
+  EXPECT_EQ(px(0, 2)[2], 0);
+  EXPECT_EQ(m.hslHue1, 0);
+  EXPECT_EQ(m.hslHue2, 170);
+  EXPECT_EQ(m.hslSat1, 255);
 }
 
 TEST(MergerOverlay, BadCallsAnswerFalse) {
   CIppImageMerger m;
   Bytes a(4, 1), out(16, kStale);
   Words w(4, 1), wout(16, 0);
-  EXPECT_FALSE(m.SubMono8ToMono8(2, 2, nullptr, nullptr, 2, 2, a.data(), nullptr, out.data(), 0, 0, 0, 0, 1, 0, 0, 0,
-                                 false));
-  EXPECT_FALSE(m.SubMono8ToMono8(0, 2, a.data(), nullptr, 2, 2, a.data(), nullptr, out.data(), 0, 0, 0, 0, 1, 0, 0, 0,
-                                 false));
-  EXPECT_FALSE(m.MergeMono16ToMono16(2, 2, 17, w.data(), 0.5f, 2, 2, w.data(), wout.data(), 0, 0, 0, 0, 1, 0, 0, 0,
-                                     false));
-  EXPECT_FALSE(m.MergeMono16ToMono16(2, 2, 0, w.data(), 0.5f, 2, 2, w.data(), wout.data(), 0, 0, 0, 0, 1, 0, 0, 0,
-                                     false));
+  EXPECT_FALSE(
+      m.SubMono8ToMono8(2, 2, nullptr, nullptr, 2, 2, a.data(), nullptr, out.data(), 0, 0, 0, 0, 1, 0, 0, 0, false));
+  EXPECT_FALSE(
+      m.SubMono8ToMono8(0, 2, a.data(), nullptr, 2, 2, a.data(), nullptr, out.data(), 0, 0, 0, 0, 1, 0, 0, 0, false));
+  EXPECT_FALSE(
+      m.MergeMono16ToMono16(2, 2, 17, w.data(), 0.5f, 2, 2, w.data(), wout.data(), 0, 0, 0, 0, 1, 0, 0, 0, false));
+  EXPECT_FALSE(
+      m.MergeMono16ToMono16(2, 2, 0, w.data(), 0.5f, 2, 2, w.data(), wout.data(), 0, 0, 0, 0, 1, 0, 0, 0, false));
   EXPECT_EQ(out, Bytes(16, kStale));
 }
 

@@ -178,7 +178,8 @@ int RunMerge(std::span<const std::string_view> args) {
 
   const int64_t x1 = r.offsetX < 0 ? -r.offsetX : 0, x2 = r.offsetX > 0 ? r.offsetX : 0;
   const int64_t y1 = r.offsetY < 0 ? -r.offsetY : 0, y2 = r.offsetY > 0 ? r.offsetY : 0;
-  const uint32_t w = uint32_t(std::max(x1 + a.width, x2 + b.width)), h = uint32_t(std::max(y1 + a.height, y2 + b.height));
+  const uint32_t w = uint32_t(std::max(x1 + a.width, x2 + b.width)),
+                 h = uint32_t(std::max(y1 + a.height, y2 + b.height));
   const bool bgr = r.colour != "grey";
   const bool deep = r.depth > 8;
   std::vector<uint8_t> out(size_t(w) * h * (bgr ? 3 : deep ? 2 : 1), 0);

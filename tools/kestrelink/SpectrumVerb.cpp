@@ -42,7 +42,8 @@ void WriteCsv(const std::string& path, const std::vector<double>& spectrum, bool
   if (!f) throw RunError("cannot write '" + path + "'");
   const long half = long(spectrum.size() / 2);
   std::fprintf(f, "bin,magnitude\n");
-  for (size_t i = 0; i < spectrum.size(); ++i) std::fprintf(f, "%ld,%.6f\n", centred ? long(i) - half : long(i), spectrum[i]);
+  for (size_t i = 0; i < spectrum.size(); ++i)
+    std::fprintf(f, "%ld,%.6f\n", centred ? long(i) - half : long(i), spectrum[i]);
   if (std::fclose(f) != 0) throw RunError("cannot write '" + path + "'");
 }
 
@@ -98,9 +99,8 @@ int RunSpectrum(std::span<const std::string_view> args) {
   if (first >= last || last > int64_t(size->height))
     throw UsageError("--rows A:B wants 0 <= A < B <= " + std::to_string(size->height));
   const uint32_t w = size->width, h = size->height;
-  const std::vector<uint8_t> frame =
-      ReadFrameFile(std::string(files[0]), uint64_t(w) * h * 2,
-                    "a " + std::to_string(w) + "x" + std::to_string(h) + " 16-bit frame");
+  const std::vector<uint8_t> frame = ReadFrameFile(
+      std::string(files[0]), uint64_t(w) * h * 2, "a " + std::to_string(w) + "x" + std::to_string(h) + " 16-bit frame");
   int order = 0;
   while ((2u << order) <= w && order < 16) ++order;
   const int length = 1 << order;

@@ -22,6 +22,10 @@ template <class In, class Out, class FirstOnly, class SecondOnly, class Both, cl
 void OverlayRows(const Placement& p, const std::vector<uint64_t>& starts, const In* first, const In* second, Out* dst,
                  FirstOnly firstOnly, SecondOnly secondOnly, Both both, Neither neither) {
   ForEachRow(p.height, false, [&](uint32_t y, uint32_t) {
+    // Copies the loops own: writes through a byte pointer could alias the captured originals.
+    const FirstOnly ruleFirst = firstOnly;
+    const SecondOnly ruleSecond = secondOnly;
+    const Both ruleBoth = both;
     Out* row = dst + size_t(y) * p.width;
     const In* firstRow = y >= p.y1 && y < p.y1 + p.h1 ? first + size_t(y - p.y1) * p.w1 : nullptr;
     Segment seg[8];
@@ -33,16 +37,16 @@ void OverlayRows(const Placement& p, const std::vector<uint64_t>& starts, const 
       switch (seg[s].region) {
         case Region::kFirst: {
           const In* a = firstRow + (x - p.x1);
-          for (uint32_t i = 0; i < n; ++i) out[i] = firstOnly(a[i]);
+          for (uint32_t i = 0; i < n; ++i) out[i] = ruleFirst(a[i]);
           break;
         }
         case Region::kSecond:
-          for (uint32_t i = 0; i < n; ++i) out[i] = secondOnly(stream[i]);
+          for (uint32_t i = 0; i < n; ++i) out[i] = ruleSecond(stream[i]);
           stream += n;
           break;
         case Region::kBoth: {
           const In* a = firstRow + (x - p.x1);
-          for (uint32_t i = 0; i < n; ++i) out[i] = both(a[i], stream[i]);
+          for (uint32_t i = 0; i < n; ++i) out[i] = ruleBoth(a[i], stream[i]);
           stream += n;
           break;
         }

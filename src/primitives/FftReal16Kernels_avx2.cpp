@@ -29,9 +29,39 @@ inline void Multiply8(__m256i xr, __m256i xi, __m256i c, __m256i s, __m256i& tr,
   ti = _mm256_add_epi32(imHigh, _mm256_srai_epi32(_mm256_add_epi32(imLow, half), 15));
 }
 
-// Passes of half-length 8 and more go eight butterflies a step; shorter
-// ones take the plain pass.
+// The same on four lanes, for the pass of half-length 4.
+inline void Multiply4(__m128i xr, __m128i xi, __m128i c, __m128i s, __m128i& tr, __m128i& ti) {
+  const __m128i low = _mm_set1_epi32(0x7FFF), half = _mm_set1_epi32(16384);
+  const __m128i rh = _mm_srai_epi32(xr, 15), ih = _mm_srai_epi32(xi, 15);
+  const __m128i rl = _mm_and_si128(xr, low), il = _mm_and_si128(xi, low);
+  const __m128i reHigh = _mm_sub_epi32(_mm_mullo_epi32(rh, c), _mm_mullo_epi32(ih, s));
+  const __m128i reLow = _mm_sub_epi32(_mm_mullo_epi32(rl, c), _mm_mullo_epi32(il, s));
+  const __m128i imHigh = _mm_add_epi32(_mm_mullo_epi32(rh, s), _mm_mullo_epi32(ih, c));
+  const __m128i imLow = _mm_add_epi32(_mm_mullo_epi32(rl, s), _mm_mullo_epi32(il, c));
+  tr = _mm_add_epi32(reHigh, _mm_srai_epi32(_mm_add_epi32(reLow, half), 15));
+  ti = _mm_add_epi32(imHigh, _mm_srai_epi32(_mm_add_epi32(imLow, half), 15));
+}
+
+inline __m128i Load4(const int32_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline void Store4(int32_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+
+void Radix2Pass4(int32_t* re, int32_t* im, uint32_t half, const int32_t* cr, const int32_t* ci) {
+  const __m128i c = Load4(cr), sn = Load4(ci);
+  for (uint32_t s = 0; s < half; s += 8) {
+    __m128i tr, ti;
+    Multiply4(Load4(re + s + 4), Load4(im + s + 4), c, sn, tr, ti);
+    const __m128i xr = Load4(re + s), xi = Load4(im + s);
+    Store4(re + s + 4, _mm_sub_epi32(xr, tr));
+    Store4(im + s + 4, _mm_sub_epi32(xi, ti));
+    Store4(re + s, _mm_add_epi32(xr, tr));
+    Store4(im + s, _mm_add_epi32(xi, ti));
+  }
+}
+
+// Passes of half-length 8 and more go eight butterflies a step, half-length
+// 4 four a step; shorter ones take the plain pass.
 void Radix2Pass8(int32_t* re, int32_t* im, uint32_t half, uint32_t h, const int32_t* cr, const int32_t* ci) {
+  if (h == 4) return Radix2Pass4(re, im, half, cr, ci);
   if (h < 8) return Radix2Pass(re, im, half, h, cr, ci);
   for (uint32_t s = 0; s < half; s += 2 * h) {
     int32_t *ar = re + s, *ai = im + s, *br = re + s + h, *bi = im + s + h;

@@ -42,7 +42,14 @@ class KESTRELINK_API CIppImageWrapper {
 
   // Adds the magnitude spectra of rowCount rows of length = 1 << order
   // signed 16-bit samples into spectrum (length doubles, which the caller
-  // clears). With centred non-zero the zero frequency stands at length / 2.
+  // clears; the sum is not divided by rowCount). With centred non-zero the
+  // zero frequency stands at length / 2. The transform is fixed point with
+  // scale factor 1: bin k is X[k] / 2 (X the exact DFT) after the
+  // normalisation of `flag` (1 divides by length, 4 by its square root, 2
+  // and 8 not at all), rounded and held to 16 bits, then its magnitude is
+  // taken in single precision. All hints give the same result. Always true;
+  // an order outside 1..16, a length other than 1 << order, another flag or
+  // rowCount 0 or below leave spectrum as it was.
   bool Compute1DFFT(int centred, int length, int order, int rowCount, int flag, HintAlgorithm hint, short** rows,
                     double* spectrum);
 

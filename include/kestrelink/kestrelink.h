@@ -7,6 +7,7 @@
 #include <kestrelink/CIppBayerCorrector.h>
 #include <kestrelink/CIppImageCompress.h>
 #include <kestrelink/CIppImageConverter.h>
+#include <kestrelink/CIppImageMerger.h>
 #include <kestrelink/CIppImageMirror.h>
 #include <kestrelink/CIppMotionDetector.h>
 #include <kestrelink/CIppImageRotate.h>

@@ -631,6 +631,35 @@ expect_png "$work/motion.png" 8 6 8 0
 expect_refusal 2 "missing --size" motion "$work/still.raw" "$work/moved.raw" "$work/x.raw"
 expect_refusal 2 "--threshold" motion --size 8x6 --threshold 0 "$work/still.raw" "$work/moved.raw" "$work/x.raw"
 expect_refusal 1 "mono8 frame" motion --size 9x9 "$work/still.raw" "$work/moved.raw" "$work/x.raw"
+# --- merge and spectrum --------------------------------------------------
+printf '\x10\x20\x30\x40\x50\x60\x70\x80\x90' >"$work/ma.raw"
+printf '\x64%.0s' {1..9} >"$work/mb.raw"
+"$tool" merge --size 3x3 --weight 1 "$work/ma.raw" "$work/mb.raw" "$work/merged.raw" >/dev/null || fail "merge: exit $?"
+# Row 0 and column 0 belong to the second frame alone; inside, weight 1 keeps the first.
+expect_bytes "merge of equal frames" "$work/merged.raw" "64 64 64 64 50 60 64 80 90"
+"$tool" merge --size 3x3 --size2 2x2 --offset 1,1 --weight 0 "$work/ma.raw" "$work/mb.raw" "$work/m2.raw" >/dev/null ||
+  fail "merge with offset: exit $?"
+expect_bytes "merge: the second frame's edge inside the first is the first's" "$work/m2.raw" \
+  "10 20 30 40 50 60 70 80 64"
+"$tool" merge --size 3x3 --sub --colour pseudo "$work/ma.raw" "$work/mb.raw" "$work/ratio.png" >/dev/null ||
+  fail "merge to pseudo-colour PNG: exit $?"
+expect_png "$work/ratio.png" 3 3 8 2
+expect_refusal 2 "--colour pseudo colours a ratio" merge --size 3x3 --colour pseudo "$work/ma.raw" "$work/mb.raw" "$work/x.png"
+expect_refusal 2 "--mirror wants" merge --size 3x3 --mirror diagonal "$work/ma.raw" "$work/mb.raw" "$work/x.raw"
+expect_refusal 1 "mono8 frame" merge --size 4x4 "$work/ma.raw" "$work/mb.raw" "$work/x.raw"
+# Rows of 16 samples 2048 + 1000 cos(2 pi 4 x / 16), rounded down: the sum of two rows halved by the transform.
+python3 -c "
+import math, struct, sys
+sys.stdout.buffer.write(b''.join(struct.pack('<H', int(2048 + 1000 * math.cos(2 * math.pi * 4 * x / 16)))
+                                 for y in range(4) for x in range(16)))" >"$work/rows.raw"
+"$tool" spectrum --size 16x4 --rows 1:3 "$work/rows.raw" "$work/spectrum.csv" >/dev/null || fail "spectrum: exit $?"
+[[ $(sed -n 2p "$work/spectrum.csv") == 0,327* ]] || fail "spectrum: bin 0 is $(sed -n 2p "$work/spectrum.csv")"
+[[ $(sed -n 6p "$work/spectrum.csv") == 4,8000.* ]] || fail "spectrum: bin 4 is $(sed -n 6p "$work/spectrum.csv")"
+"$tool" spectrum --size 16x4 --centred "$work/rows.raw" "$work/spectrum.csv" >/dev/null || fail "spectrum centred: exit $?"
+[[ $(sed -n 10p "$work/spectrum.csv") == 0,655* ]] || fail "spectrum centred: $(sed -n 10p "$work/spectrum.csv")"
+"$tool" spectrum --size 16x4 "$work/rows.raw" "$work/spectrum.png" >/dev/null || fail "spectrum plot: exit $?"
+expect_png "$work/spectrum.png" 16 256 8 0
+expect_refusal 2 "--rows A:B wants" spectrum --size 16x4 --rows 3:2 "$work/rows.raw" "$work/x.csv"
 
 if ((failures)); then
   echo "$failures check(s) failed" >&2

@@ -34,7 +34,9 @@ void PrintToolUsage(std::ostream& out) {
          "  kestrelink rotate --angle 90 --size 1920x1080 --layout bgr24 frame.raw turned.png\n"
          "  kestrelink mirror --axis v --size 1920x1080 --layout mono8 frame.raw mirrored.png\n"
          "  kestrelink combine --layout yuv422 --to bgr24 left.raw 960x1080 right.raw 960x1080 both.png\n"
-         "  kestrelink motion --size 1920x1080 previous.raw current.raw --threshold 25 motion.png\n";
+         "  kestrelink motion --size 1920x1080 previous.raw current.raw --threshold 25 motion.png\n"
+         "  kestrelink merge --size 1920x1080 --offset 40,20 --weight 0.7 a.raw b.raw merged.png\n"
+         "  kestrelink spectrum --size 2048x1080 --rows 0:540 --centred frame.raw spectrum.csv\n";
 }
 
 void PrintHelpUsage(std::ostream& out) {

@@ -1,4 +1,5 @@
 // The verb table; a new verb is one row here and one file with its run and usage.
+#include "AnalysisVerbs.h"
 #include "CompressVerbs.h"
 #include "DemosaicVerb.h"
 #include "GeometryVerbs.h"
@@ -30,12 +31,16 @@ constexpr Verb kVerbs[] = {
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
     {"j2k", "encode an 8-bit frame to a lossless JP2 file, and to a packet record", RunJpeg2k, PrintJpeg2kUsage},
     {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
+    {"merge", "lay one mono frame over another: offset, turned, mirrored, blended or as a ratio, in colour",
+     RunMerge, PrintMergeUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
     {"motion", "find the change between two grey frames: difference, threshold, opening, counts", RunMotion,
      PrintMotionUsage},
     {"resize", "scale a raw frame to another size (nearest, linear, cubic, Lanczos or area average)", RunResize,
      PrintResizeUsage},
     {"rotate", "turn a frame by any angle, right angles as exact copies", RunRotate, PrintRotateUsage},
+    {"spectrum", "sum the magnitude spectra of a band of rows of a 16-bit frame, as CSV or a plot", RunSpectrum,
+     PrintSpectrumUsage},
     {"wavelet", "encode a grey frame with the block wavelet codec, or decode it back", RunWavelet,
      PrintWaveletUsage},
 };

@@ -1,0 +1,104 @@
+// The Sub... members: the ratio of the two layers where they overlap, as
+// mono or through the pseudo-colour table.
+#include <kestrelink/CIppImageMerger.h>
+
+#include <algorithm>
+
+#include "merge/MergeCall.h"
+#include "merge/MergeOverlay.h"
+
+using kestrelink::merge::BeginCall;
+using kestrelink::merge::Bgr;
+using kestrelink::merge::MergeCall;
+using kestrelink::merge::OverlayRows;
+
+bool CIppImageMerger::SubMono8ToMono8(uint32_t width1, uint32_t height1, void* image1, void* background1,
+                                      uint32_t width2, uint32_t height2, void* image2, void* background2, void* dst,
+                                      int offsetX, int offsetY, int centerX, int centerY, double gamma, double angle,
+                                      int mirror, int interpolation, bool bSmoothEdge) {
+  MergeCall<uint8_t> call;
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1, width2,
+                 height2, image2, background2, dst, 1, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+    return false;
+  const uint16_t* g = gammaTable.data();
+  const uint8_t* ratio = ratioTable.data();
+  const auto single = [g](uint8_t v) { return uint8_t(g[v]); };
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint8_t*>(dst), single, single,
+      [g, ratio](uint8_t a, uint8_t b) { return uint8_t(g[ratio[a * 256 + b]]); },
+      kestrelink::merge::MonoNeither<uint8_t>{&call.p, call.cleared});
+  return true;
+}
+
+bool CIppImageMerger::SubMono8ToBGRByPseudoColor(uint32_t width1, uint32_t height1, void* image1, void* background1,
+                                                 uint32_t width2, uint32_t height2, void* image2, void* background2,
+                                                 void* dst, int offsetX, int offsetY, int centerX, int centerY,
+                                                 double gamma, double angle, int mirror, int interpolation,
+                                                 bool bSmoothEdge) {
+  MergeCall<uint8_t> call;
+  if (!BeginCall(call, 8, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1, width2,
+                 height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+    return false;
+  const uint16_t* g = gammaTable.data();
+  const uint8_t* ratio = ratioTable.data();
+  const auto colour = [this](uint32_t v) { return Bgr{pseudoBlue[v], pseudoGreen[v], pseudoRed[v]}; };
+  const auto single = [&](uint8_t v) { return colour(g[v]); };
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
+      [&](uint8_t a, uint8_t b) { return colour(g[ratio[a * 256 + b]]); }, kestrelink::merge::BgrNeither{colour(0)});
+  return true;
+}
+
+bool CIppImageMerger::SubMono16ToMono16(uint32_t width1, uint32_t height1, uint32_t bitDepth, void* image1,
+                                        void* background1, uint32_t width2, uint32_t height2, void* image2,
+                                        void* background2, void* dst, int offsetX, int offsetY, int centerX,
+                                        int centerY, double gamma, double angle, int mirror, int interpolation,
+                                        bool bSmoothEdge) {
+  using namespace kestrelink::merge;
+  MergeCall<uint16_t> call;
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1,
+                 width2, height2, image2, background2, dst, 2, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+    return false;
+  const uint32_t top = call.top;
+  const uint16_t* g = gammaTable.data();
+  const auto single = [g, top](uint16_t v) { return g[std::min<uint32_t>(v, top)]; };
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
+      [&](uint16_t a, uint16_t b) {
+        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
+        return g[std::min<uint32_t>(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth), top)];
+      },
+      MonoNeither<uint16_t>{&call.p, call.cleared});
+  return true;
+}
+
+bool CIppImageMerger::SubMono16ToBGRByPseudoColor(uint32_t width1, uint32_t height1, uint32_t bitDepth, void* image1,
+                                                  void* background1, uint32_t width2, uint32_t height2, void* image2,
+                                                  void* background2, void* dst, int offsetX, int offsetY, int centerX,
+                                                  int centerY, double gamma, double angle, int mirror,
+                                                  int interpolation, bool bSmoothEdge) {
+  using namespace kestrelink::merge;
+  MergeCall<uint16_t> call;
+  if (!BeginCall(call, bitDepth, [&](int bits) { ReBuildGamma(gamma, bits); }, width1, height1, image1, background1,
+                 width2, height2, image2, background2, dst, 3, offsetX, offsetY,
+                 {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
+    return false;
+  const uint32_t top = call.top;
+  const uint16_t* g = gammaTable.data();
+  const auto colour = [&](uint32_t v) {
+    const uint32_t c = std::min<uint32_t>(ToByte(g[std::min(v, top)], bitDepth), 255);
+    return Bgr{pseudoBlue[c], pseudoGreen[c], pseudoRed[c]};
+  };
+  const auto single = [&](uint16_t v) { return colour(v); };
+  OverlayRows(
+      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
+      [&](uint16_t a, uint16_t b) {
+        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
+        return colour(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth));
+      },
+      BgrNeither{Bgr{pseudoBlue[0], pseudoGreen[0], pseudoRed[0]}});
+  return true;
+}

@@ -7,16 +7,21 @@
 
 namespace kestrelink::platform {
 
-std::string SelfDirectory() {
+std::string SelfPath() {
   Dl_info info{};
   // Any function of this library names the file it was loaded from.
-  if (::dladdr(reinterpret_cast<void*>(&SelfDirectory), &info) == 0 || info.dli_fname == nullptr) return {};
+  if (::dladdr(reinterpret_cast<void*>(&SelfPath), &info) == 0 || info.dli_fname == nullptr) return {};
   std::string path = info.dli_fname;
   // The name may be relative to the directory the process started in.
   if (char* resolved = ::realpath(info.dli_fname, nullptr)) {
     path = resolved;
     std::free(resolved);
   }
+  return path;
+}
+
+std::string SelfDirectory() {
+  const std::string path = SelfPath();
   const size_t slash = path.rfind('/');
   if (slash == std::string::npos) return {};
   return path.substr(0, slash + 1);

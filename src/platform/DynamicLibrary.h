@@ -4,6 +4,10 @@
 
 namespace kestrelink::platform {
 
+// Full path of libkestrelink.so itself (found with dladdr); empty if it
+// can't be told.
+std::string SelfPath();
+
 // Directory that holds libkestrelink.so itself (found with dladdr), with a
 // trailing '/'; empty if it can't be told.
 std::string SelfDirectory();

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "colour/LookFile.h"
+#include "colour/LookGpu.h"
 #include "colour/LookLut.h"
 #include "colour/LookPrepare.h"
 #include "platform/FileTime.h"
@@ -17,6 +18,8 @@ LookLutCache& TheLookLutCache() {
 }
 
 void PrepareLook3D(LookLut& look) {
+  PlaceLookOnGpu(look);
+  if (look.gpuLutId != 0) return;  // a look on the GPU has neither table nor weights
   BuildCornerWeights(look);
   FillLookTable(look);
 }

@@ -6,6 +6,7 @@
 
 #include "colour/BayerCorrectorImpl.h"
 #include "colour/InPlaceRows.h"
+#include "colour/LookGpu.h"
 #include "colour/LookLut.h"
 #include "colour/LookLutCache.h"
 #include "colour/LookRows.h"
@@ -86,6 +87,10 @@ bool ApplyLookStage(CBayerCorrectorImpl& s, void* image, uint32_t formatCode, ui
                     uint32_t bitDepth, bool flip) {
   const LookLut* look = s.look;
   if (!look || !image) return false;
+  // On the GPU only the handle counts: a look whose table the GPU refused
+  // fails here though the processor tables exist, and cbAlgorithm and the
+  // flip play no part (settled behaviours of the format).
+  if (LookGpuAvailable()) return ApplyLookOnGpu(*look, image, formatCode, s.width, s.height, bitDepth);
   const bool threeD = s.cbAlgorithm == CB_ALG_LOOK_3D_TABLE || s.cbAlgorithm == CB_ALG_LOOK_3D_EXACT;
   // CORRECTION_LOOK with any other algorithm takes the 1D table.
   if (threeD ? !look->lut3D : !Has1D(*look)) return false;

@@ -2,9 +2,6 @@
 // and the reload by file time.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <cmath>
 #include <vector>
 
@@ -101,15 +98,6 @@ std::vector<int> Graded(const std::string& path, std::vector<uint8_t> bgr) {
   c.SetImageInfo4CB(1, 1, 24, 8, 200, true);
   if (!c.BGRApplyColorBalance(bgr.data(), false)) return {};
   return {bgr[0], bgr[1], bgr[2]};
-}
-
-void Rewrite(const std::string& path, const std::string& document, int64_t secondsFromNow) {
-  FILE* f = std::fopen(path.c_str(), "wb");
-  ASSERT_TRUE(f);
-  std::fwrite(document.data(), 1, document.size(), f);
-  std::fclose(f);
-  const timespec when[2] = {{time(nullptr) + secondsFromNow, 0}, {time(nullptr) + secondsFromNow, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), when, 0), 0);
 }
 
 // A 256-entry curve that gives every sample `level` / 256 of full scale.

@@ -33,20 +33,6 @@ const std::string& HalfRedPath() {
   return path;
 }
 
-// The stage on its own, as the corrector calls it, with this look.
-bool Stage(const std::string& path, CORRECTIONAL_ALG alg, uint32_t format, uint32_t bitsPerPixel, uint32_t depth,
-           uint32_t width, uint32_t height, void* image, bool flip = false) {
-  CBayerCorrectorImpl s;
-  s.look = TheLookLutCache().Load(path.c_str());
-  s.width = width;
-  s.height = height;
-  s.bitDepth = depth;
-  s.bInitialised = true;
-  s.cbAlgorithm = alg;
-  BuildLookTables(s);
-  return ApplyLookStage(s, image, format, bitsPerPixel, depth, flip);
-}
-
 // The linear 32-node table at 8 bits: v / 256 of full scale, 255 / 256 of
 // it after truncation; the top cell (v >= 248) interpolates nodes 30 and 31,
 // eight samples lower.

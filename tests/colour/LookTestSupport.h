@@ -1,11 +1,20 @@
 #pragma once
 // Look files written in tests: 3D tables whose nodes a function gives, and
 // 1D curves, as the XML text the reader takes.
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <cstdio>
+#include <ctime>
 #include <cstring>
 #include <functional>
 #include <string>
 
+#include <kestrelink/CIppBayerCorrector.h>
+
+#include "colour/BayerCorrectorImpl.h"
+#include "colour/LookLutCache.h"
+#include "colour/LookStage.h"
 #include "support/TestSupport.h"
 
 namespace looktest {
@@ -58,10 +67,35 @@ inline std::string KeptLookFile(const std::string& name, const std::string& docu
   return path;
 }
 
+// Writes the file again with a write time that many seconds from now.
+inline void Rewrite(const std::string& path, const std::string& document, int64_t secondsFromNow) {
+  FILE* f = std::fopen(path.c_str(), "wb");
+  ASSERT_TRUE(f);
+  std::fwrite(document.data(), 1, document.size(), f);
+  std::fclose(f);
+  const timespec when[2] = {{time(nullptr) + secondsFromNow, 0}, {time(nullptr) + secondsFromNow, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), when, 0), 0);
+}
+
 // A 32-node table that maps each axis linearly: node (a, b, c) holds
 // (c / 32, b / 32, a / 32), every value exact in binary, as are the weights.
 inline std::string IdentityLut32() {
   return Lut3DElement(32, [](int a, int b, int c, int comp) { return float(comp == 0 ? c : comp == 1 ? b : a) / 32; });
+}
+
+// The look stage on its own, as the corrector calls it, with the look of
+// `path` and the corrector's 16-bit tables built for `depth`.
+inline bool Stage(const std::string& path, CORRECTIONAL_ALG alg, uint32_t format, uint32_t bitsPerPixel,
+                  uint32_t depth, uint32_t width, uint32_t height, void* image, bool flip = false) {
+  CBayerCorrectorImpl s;
+  s.look = kestrelink::colour::TheLookLutCache().Load(path.c_str());
+  s.width = width;
+  s.height = height;
+  s.bitDepth = depth;
+  s.bInitialised = true;
+  s.cbAlgorithm = alg;
+  kestrelink::colour::BuildLookTables(s);
+  return kestrelink::colour::ApplyLookStage(s, image, format, bitsPerPixel, depth, flip);
 }
 
 }  // namespace looktest

@@ -1,6 +1,6 @@
 #include "colour/LookPrepare.h"
 
-#include "colour/LookEvaluate.h"
+#include "colour/LookKernels.h"
 #include "colour/LookLut.h"
 #include "frame/RowLoop.h"
 
@@ -45,17 +45,8 @@ void FillLookTable(LookLut& look) {
   std::lock_guard<std::mutex> hold(look.lock3D);
   if (!look.table3D) look.table3D.reset(new uint8_t[LookLut::kTableBytes]);
   uint8_t* table = look.table3D.get();
-  ForEachRow(256, false, [&](uint32_t o, uint32_t) {
-    uint8_t* plane = table + size_t(o) * 256 * 256 * 3;
-    for (uint32_t m = 0; m < 256; ++m)
-      for (uint32_t i = 0; i < 256; ++i, plane += 3) {
-        uint8_t comp[3];
-        Evaluate8(look, i, m, o, comp);
-        plane[0] = comp[2];
-        plane[1] = comp[1];
-        plane[2] = comp[0];
-      }
-  });
+  const LookKernels& kernels = TheLookKernels();
+  ForEachRow(256, false, [&](uint32_t o, uint32_t) { kernels.fillPlane(look, o, table + size_t(o) * 256 * 256 * 3); });
 }
 
 }  // namespace kestrelink::colour

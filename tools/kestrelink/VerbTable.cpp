@@ -3,6 +3,7 @@
 #include "DemosaicVerb.h"
 #include "GeometryVerbs.h"
 #include "JpegVerb.h"
+#include "LookVerb.h"
 #include "MirrorRotateVerbs.h"
 #include "ResizeVerb.h"
 #include "Verbs.h"
@@ -27,6 +28,8 @@ constexpr Verb kVerbs[] = {
     {"h264", "encode planar frames to H.264 records, or decode records to pictures", RunH264, PrintH264Usage},
     {"help", "show the overall help, or one command's help", RunHelp, PrintHelpUsage},
     {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
+    {"look", "apply a look file (3D or 1D colour table) to a BGR24, BGR48 or BGRx frame", RunLook,
+     PrintLookUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
     {"resize", "scale a raw frame to another size (nearest, linear, cubic, Lanczos or area average)", RunResize,
      PrintResizeUsage},

@@ -12,6 +12,7 @@
 #include "colour/LookLut.h"
 #include "colour/LookPrepare.h"
 #include "colour/LookStage.h"
+#include "platform/OpenMP.h"
 
 namespace {
 
@@ -33,6 +34,8 @@ void RunStage(CBayerCorrectorImpl& s, CORRECTIONAL_ALG alg) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const bool single = (kestrelink::platform::SetTeamSize(1), true);  // frames of one row: no team needed
+  (void)single;
   LookLut look;
   ReadLookDocument(look, data, size);
   const LookDocumentParts parts = ReadLookDocument(look, data, size);

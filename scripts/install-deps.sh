@@ -4,10 +4,10 @@
 # peers; with --fuzz, clang for the libFuzzer targets.
 set -euo pipefail
 
-packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev libopenjp2-7-dev libgrokj2k1-dev)
+packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev libopenjp2-7-dev libgrokj2k1-dev libpugixml-dev)
 for arg in "$@"; do
   case "$arg" in
-    --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libzstd-dev liblz4-dev libcharls-dev libturbojpeg0-dev libfftw3-dev) ;;
+    --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libzstd-dev liblz4-dev libcharls-dev libturbojpeg0-dev libfftw3-dev libopencolorio-dev) ;;
     --fuzz) packages+=(clang libclang-rt-dev libomp-dev) ;;
     *) echo "install-deps.sh: unknown option $arg (use --bench or --fuzz)" >&2; exit 2 ;;
   esac

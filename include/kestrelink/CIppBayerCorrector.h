@@ -74,6 +74,14 @@ class KESTRELINK_API CIppBayerCorrector {
   // Reads channel tables from a text file; only with CB_ALG_PREDEFINED_FILE.
   bool SetPredefinedLUTFile(const char* path);
 
+  // Loads a look file (an XML document with a 3D table, a 1D table or both)
+  // as the look of CORRECTION_LOOK and the look algorithms. Looks are kept
+  // for the whole process by exact path and shared by all correctors: a
+  // path already loaded is not read again until ForceRecalcAutoLUT finds
+  // its file newer. False, with the look dropped, when the file can't be
+  // read or holds neither table; then has3D and has1D are left untouched.
+  bool LoadIridasLookLUT(const char* path, bool& has3D, bool& has1D);
+
  private:
   std::shared_ptr<CBayerCorrectorImpl> m_pImpl;
 };

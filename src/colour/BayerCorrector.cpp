@@ -12,10 +12,10 @@ CBayerCorrectorImpl::CBayerCorrectorImpl()
     : redLut(new uint32_t[kLutEntries]),
       greenLut(new uint32_t[kLutEntries]),
       blueLut(new uint32_t[kLutEntries]),
-      lookCellIndex(new uint32_t[kLutEntries]),
-      lookCellRemainder(new uint32_t[kLutEntries]),
-      lookOneMinusFraction(new float[kLookFractionEntries]),
-      lookFraction(new float[kLookFractionEntries]) {
+      lookCellIndex(new uint32_t[kLutEntries]()),
+      lookCellRemainder(new uint32_t[kLutEntries]()),
+      lookOneMinusFraction(new float[kLookFractionEntries]()),
+      lookFraction(new float[kLookFractionEntries]()) {
   ResetToIdentity(*this);
 }
 

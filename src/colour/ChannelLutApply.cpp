@@ -1,13 +1,10 @@
 // The channel table stage and BGRApplyColorBalance.
-#include <memory>
-
 #include <kestrelink/CIppBayerCorrector.h>
 
 #include "colour/BayerCorrectorImpl.h"
 #include "colour/ChannelLuts.h"
+#include "colour/InPlaceRows.h"
 #include "colour/LookStage.h"
-#include "frame/FrameCopy.h"
-#include "frame/RowLoop.h"
 #include "platform/OpenMP.h"
 
 namespace kestrelink::colour {
@@ -42,20 +39,6 @@ void MapWords(const uint16_t* in, uint16_t* out, uint32_t w, const CBayerCorrect
   }
 }
 
-// Maps the image in place, or with flip from a flipped copy of it.
-template <class Row>
-void ApplyRows(void* image, uint32_t width, uint32_t height, uint32_t pixelBytes, bool flip, Row row) {
-  const size_t rowBytes = size_t(width) * pixelBytes;
-  std::unique_ptr<uint8_t[]> copy;
-  const void* source = image;
-  if (flip) {
-    copy.reset(new uint8_t[rowBytes * height]);
-    CopyFrame(image, rowBytes, height, copy.get(), false);
-    source = copy.get();
-  }
-  ForEachRow(height, flip, [&](uint32_t in, uint32_t out) { row(RowAt(source, rowBytes, in), RowAt(image, rowBytes, out)); });
-}
-
 }  // namespace
 
 bool ApplyChannelLuts(CBayerCorrectorImpl& s, void* image, uint32_t formatCode, uint32_t bitsPerPixel,
@@ -67,14 +50,14 @@ bool ApplyChannelLuts(CBayerCorrectorImpl& s, void* image, uint32_t formatCode, 
   const uint32_t w = s.width, h = s.height;
   if (formatCode == kFormatBgr && bitsPerPixel == 24) {
     const ByteLuts t(s);
-    ApplyRows(image, w, h, 3, flip, [&](const uint8_t* in, uint8_t* out) { MapBytes<3>(in, out, w, t); });
+    ApplyRowsInPlace(image, w, h, 3, flip, [&](const uint8_t* in, uint8_t* out) { MapBytes<3>(in, out, w, t); });
   } else if (formatCode == kFormatBgr && bitsPerPixel == 48) {
-    ApplyRows(image, w, h, 6, flip, [&](const uint8_t* in, uint8_t* out) {
+    ApplyRowsInPlace(image, w, h, 6, flip, [&](const uint8_t* in, uint8_t* out) {
       MapWords(reinterpret_cast<const uint16_t*>(in), reinterpret_cast<uint16_t*>(out), w, s);
     });
   } else if (formatCode == kFormatBgrx && bitsPerPixel == 32) {
     const ByteLuts t(s);
-    ApplyRows(image, w, h, 4, flip, [&](const uint8_t* in, uint8_t* out) { MapBytes<4>(in, out, w, t); });
+    ApplyRowsInPlace(image, w, h, 4, flip, [&](const uint8_t* in, uint8_t* out) { MapBytes<4>(in, out, w, t); });
   } else {
     return false;
   }

@@ -1,15 +1,14 @@
 #pragma once
-// The look stage as the Bayer corrector calls it. Until look files can be
-// loaded no look is ever present, and a look frame is answered false as for
-// a missing look.
+// The look stage as the Bayer corrector calls it: the loaded look applied to
+// an RGB, BGR, RGBx or BGRx image in place, always writing BGR order.
 #include <cstdint>
 
 struct CBayerCorrectorImpl;
 
 namespace kestrelink::colour {
 
-// Applies the loaded look to an RGB, BGR, RGBx or BGRx image in place
-// (writing BGR order); false without a usable look.
+// False without a look, or without the table that cbAlgorithm asks for, or
+// for a format and pixel size the stage has no path for.
 bool ApplyLookStage(CBayerCorrectorImpl& s, void* image, uint32_t formatCode, uint32_t bitsPerPixel,
                     uint32_t bitDepth, bool flip);
 

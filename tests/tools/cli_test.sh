@@ -105,7 +105,7 @@ demo_dir=$(cd "$work" && pwd -P)/kestrelink-demo
 grep -qxF "$demo_dir" "$work/demo.txt" || fail "demo did not print its folder $demo_dir: $(head -1 "$work/demo.txt")"
 grep -q "^wavelet round trip .* bytes, largest difference [0-9]" "$work/demo.txt" || fail "demo printed no wavelet round trip"
 grep -q "^jpeg round trip .* bytes -> [0-9]* bytes, PSNR [0-9.]* dB" "$work/demo.txt" || fail "demo printed no JPEG round trip"
-[[ $(hex_at "$work/kestrelink-demo/18-scene.jpg" 0 2) == "ff d8" ]] || fail "demo wrote no JPEG of its scene"
+[[ $(hex_at "$work/kestrelink-demo/19-scene.jpg" 0 2) == "ff d8" ]] || fail "demo wrote no JPEG of its scene"
 expect_png "$demo_dir/01-scene-mono16.png" 64 48 16 0
 expect_png "$demo_dir/02-mono8.png" 64 48 8 0
 expect_png "$demo_dir/03-bgrx.png" 64 48 8 2
@@ -423,6 +423,33 @@ expect_bytes "demosaic of 12 bits with a balance" "$work/rggb12.bgr" "$(printf '
 printf '[0-256],1,2,3\n' >"$work/table.txt"
 "$tool" demosaic --size 6x4 --lut "$work/table.txt" "$work/rggb.raw" "$work/lut.bgr" || fail "demosaic --lut: exit $?"
 expect_bytes "demosaic through a table file" "$work/lut.bgr" "$(printf '03 02 01 %.0s' {1..24} | sed 's/ $//')"
+
+# --- looks ----------------------------------------------------------------
+# A 1D look of two entries (red, green, blue): (0.5, 0.25, 1.0) and (1.0, 0, 0.5).
+# On 8-bit samples an entry is the sample shifted right by 7.
+printf '<look><LUT1D><size>"2"</size><data>"0000003F 0000803E 0000803F\n0000803F 00000000 0000003F"</data></LUT1D></look>' \
+  >"$work/curve.xml"
+printf '\x0a\xc8\x82\xff\x00\x00' >"$work/bgr2x1.raw"
+"$tool" look --layout bgr24 --size 2x1 --look "$work/curve.xml" "$work/bgr2x1.raw" "$work/curve.png" ||
+  fail "look: exit $?"
+expect_png_bytes "look, 1D table on bgr24" "$work/curve.png" "ff 00 ff 7f 3f 7f"
+"$tool" demosaic --pattern RGGB --size 6x4 --look "$work/curve.xml" --look-alg 1d "$work/rggb.raw" "$work/look.bgr" ||
+  fail "demosaic --look: exit $?"
+expect_bytes "demosaic through a 1D look" "$work/look.bgr" "$(printf 'ff 3f ff %.0s' {1..24} | sed 's/ $//')"
+expect_refusal 1 "has no 3D table" look --layout bgr24 --size 2x1 --look "$work/curve.xml" --alg exact \
+  "$work/bgr2x1.raw" "$work/x.png"
+expect_refusal 1 "cannot read the look file" look --layout bgr24 --size 2x1 --look "$work/rggb.raw" \
+  "$work/bgr2x1.raw" "$work/x.png"
+expect_refusal 2 "--alg wants" look --layout bgr24 --size 2x1 --look "$work/curve.xml" --alg cubic \
+  "$work/bgr2x1.raw" "$work/x.png"
+expect_refusal 2 "missing --look" look --layout bgrx --size 2x1 "$work/bgr2x1.raw" "$work/x.png"
+expect_refusal 2 "--look-alg needs" demosaic --size 6x4 --look-alg exact "$work/rggb.raw" "$work/x.bgr"
+grep -q "<size>\"32\"</size>" "$demo_dir/20-look-warm-contrast.xml" || fail "demo wrote no 32-node look file"
+expect_png "$demo_dir/21-bayer-graded.png" 64 48 8 2
+head -c $((8 * 4 * 6)) /dev/urandom >"$work/bgr48.raw"
+"$tool" look --layout bgr48 --depth 16 --size 8x4 --look "$demo_dir/20-look-warm-contrast.xml" --alg table \
+  "$work/bgr48.raw" "$work/graded48.png" || fail "look on bgr48: exit $?"
+expect_png "$work/graded48.png" 8 4 16 2
 "$tool" demosaic --depth 12 --size 64x48 --auto gray-gain "$demo_dir/13-bayer-rggb12.raw" "$work/bayer.png" ||
   fail "demosaic of the demo's Bayer frame: exit $?"
 expect_png "$work/bayer.png" 64 48 8 2

@@ -15,6 +15,7 @@
 #include "FrameFile.h"
 #include "Jpeg2kVerb.h"
 #include "LayoutPng.h"
+#include "LookWriter.h"
 #include "MirrorRotateVerbs.h"
 #include "PngFile.h"
 #include "ResizeVerb.h"
@@ -100,11 +101,12 @@ void PrintDemoUsage(std::ostream& out) {
          "and writes it and conversions of it as PNG files into DIR: grey, BGRx, flipped BGR,\n"
          "each pseudo-colour map, an ASC curve and a clip level, a demosaiced Bayer frame, the\n"
          "BGRx picture mirrored and turned by 12.5 degrees, the BGRx picture as a lossless JP2\n"
-         "file, and the scene resized to half size.\n"
+         "file, the scene resized to half size, the scene as JPEG, a look file of its own and\n"
+         "the Bayer frame graded by it.\n"
          "Prints the folder and the files.\n"
          "Then encodes 30 frames of the scene, panning, to H.264 records and decodes them back,\n"
          "printing the stream's size, bit rate and PSNR, and writes the scene as a JPEG\n"
-         "(18-scene.jpg, through CJpegConversion) and decodes it back, printing its size and PSNR.\n"
+         "(19-scene.jpg, through CJpegConversion) and decodes it back, printing its size and PSNR.\n"
          "\n"
          "options:\n"
          "  --out DIR     folder for the pictures, made if need be (default ./"
@@ -177,9 +179,19 @@ int RunDemo(std::span<const std::string_view> args) {
       ResizeFrame(LayoutId::Mono16, size, half, 3, std::vector<uint8_t>(frame.begin(), frame.end()));
   WritePng((path / resizedPng).string(), LayoutToPng(LayoutId::Mono16, half.width, half.height, kDemoDepth, resized));
   written.emplace_back(resizedPng, "the scene at half size, Lanczos (kestrelink resize)");
-  const std::string jpegFile = "18-scene.jpg";
+  const std::string jpegFile = "19-scene.jpg";
   const std::optional<JpegTrip> jpeg = JpegRoundTrip((path / jpegFile).string(), w, h, kDemoDepth, frame);
   if (jpeg) written.emplace_back(jpegFile, "the scene as JPEG, format 101 at quality 90 (kestrelink jpeg encode --format)");
+  const std::string lookFile = "20-look-warm-contrast.xml", gradedPng = "21-bayer-graded.png";
+  const int lookNodes = 32;
+  if (!WriteLookFile((path / lookFile).string(),
+                     LookDocumentText(
+                         lookNodes, [](int a, int b, int c, float rgb[3]) { DemoGradeNode(lookNodes, a, b, c, rgb); },
+                         0, {})))
+    throw RunError("cannot write " + (path / lookFile).string());
+  written.emplace_back(lookFile, "a look file: warm highlights, cool shadows, more contrast (32-node 3D table)");
+  WritePng((path / gradedPng).string(), DemosaicToPng(size, kDemoDepth, mosaic, (path / lookFile).string()));
+  written.emplace_back(gradedPng, "the Bayer frame demosaiced and graded by that look (kestrelink demosaic --look)");
 
   std::cout << path.string() << '\n';
   for (const auto& [file, what] : written) std::cout << "  " << std::left << std::setw(30) << file << what << '\n';

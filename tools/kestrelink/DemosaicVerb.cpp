@@ -13,6 +13,7 @@
 
 #include "DemosaicVerb.h"
 #include "FrameFile.h"
+#include "LookVerb.h"
 #include "SyntheticScene.h"
 #include "ToolError.h"
 
@@ -43,6 +44,8 @@ struct Request {
   std::optional<std::array<int, 3>> balance;
   std::optional<CORRECTIONAL_ALG> automatic;
   std::string lut;
+  std::string look;
+  std::optional<CORRECTIONAL_ALG> lookAlgorithm;
   std::string in, out;
 };
 
@@ -78,12 +81,15 @@ bool ParseRequest(std::span<const std::string_view> args, Request& r) {
       {"--balance", "R,G,B", [&](std::string_view v) { r.balance = ParseBalance(v); }},
       {"--auto", "ALG", [&](std::string_view v) { r.automatic = ParseAlgorithm(v); }},
       {"--lut", "FILE", [&](std::string_view v) { r.lut = std::string(v); }},
+      {"--look", "FILE", [&](std::string_view v) { r.look = std::string(v); }},
+      {"--look-alg", "ALG", [&](std::string_view v) { r.lookAlgorithm = ParseLookAlgorithm("--look-alg", v); }},
   };
   std::vector<std::string_view> files;
   if (!ParseOptions(args, options, files)) return false;
   if (!r.size) throw UsageError("missing --size WxH");
-  if (int(r.balance.has_value()) + int(r.automatic.has_value()) + int(!r.lut.empty()) > 1)
-    throw UsageError("--balance, --auto and --lut exclude each other");
+  if (int(r.balance.has_value()) + int(r.automatic.has_value()) + int(!r.lut.empty()) + int(!r.look.empty()) > 1)
+    throw UsageError("--balance, --auto, --lut and --look exclude each other");
+  if (r.lookAlgorithm && r.look.empty()) throw UsageError("--look-alg needs --look FILE");
   if (files.size() != 2)
     throw UsageError(std::string(files.size() < 2 ? "missing file names: " : "too many file names: ") +
                      "demosaic takes IN and OUT");
@@ -112,6 +118,8 @@ std::vector<uint8_t> Demosaic(const Request& r, std::vector<uint8_t>& raw) {
     corrector.SetColorCorrectionMode(CORRECTION_AUTO);
     corrector.SetCBAlgorithm(CB_ALG_PREDEFINED_FILE);
     if (!corrector.SetPredefinedLUTFile(r.lut.c_str())) throw RunError("cannot read the table file '" + r.lut + "'");
+  } else if (!r.look.empty()) {
+    SetLook(corrector, r.look, r.lookAlgorithm ? &*r.lookAlgorithm : nullptr);
   } else {
     corrector.SetColorCorrectionMode(CORRECTION_NONE);
   }
@@ -127,14 +135,17 @@ std::vector<uint8_t> Demosaic(const Request& r, std::vector<uint8_t>& raw) {
 
 void PrintDemosaicUsage(std::ostream& out) {
   out << "usage: kestrelink demosaic --size WxH [--pattern P] [--depth D]\n"
-         "                          [--balance R,G,B | --auto ALG | --lut FILE] IN OUT\n"
+         "                          [--balance R,G,B | --auto ALG | --lut FILE |\n"
+         "                           --look FILE [--look-alg table|exact|1d]] IN OUT\n"
          "\n"
          "Demosaics one raw Bayer frame (one byte a pixel at depth 8, else little-endian\n"
          "16-bit words with D significant bits) to 8-bit colour, and corrects it:\n"
          "without an option not at all; with --balance by adding R, G, B (in sample units\n"
          "of the depth) to the channels; with --auto by an estimate from the frame; with\n"
          "--lut by a channel-table file (lines \"index,red,green,blue\" or\n"
-         "\"[low-high],red,green,blue\"). OUT ending in .png gets a colour PNG, any other\n"
+         "\"[low-high],red,green,blue\"); with --look by a look file's 3D table (through a\n"
+         "table of every 8-bit colour, or interpolated at each pixel with --look-alg exact)\n"
+         "or its 1D table (--look-alg 1d). OUT ending in .png gets a colour PNG, any other\n"
          "name the raw BGR24 bytes.\n"
          "\n"
          "options:\n"
@@ -144,6 +155,8 @@ void PrintDemosaicUsage(std::ostream& out) {
          "  --balance R,G,B  manual colour balance\n"
          "  --auto ALG     gray-offset, gray-gain, contrast-mean or contrast-mid\n"
          "  --lut FILE     channel tables from FILE\n"
+         "  --look FILE    a look file (see kestrelink look)\n"
+         "  --look-alg ALG table, exact or 1d (default: table when FILE has a 3D table, else 1d)\n"
          "  -h, --help     show this help\n"
          "\n"
          "example:\n"
@@ -181,10 +194,12 @@ std::vector<uint16_t> MakeBayerFrame(const FrameSize& size, uint32_t depth) {
   return frame;
 }
 
-PngImage DemosaicToPng(const FrameSize& size, uint32_t depth, std::vector<uint16_t>& mosaic) {
+PngImage DemosaicToPng(const FrameSize& size, uint32_t depth, std::vector<uint16_t>& mosaic, const std::string& look) {
   Request r;
   r.size = size;
   r.depth = depth;
+  r.look = look;
+  if (!look.empty()) r.lookAlgorithm = CB_ALG_LOOK_3D_EXACT;  // the grade as written, red as red
   std::vector<uint8_t> raw(reinterpret_cast<uint8_t*>(mosaic.data()),
                            reinterpret_cast<uint8_t*>(mosaic.data() + mosaic.size()));
   return BgrToPng(size, Demosaic(r, raw));

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <ostream>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -19,7 +20,10 @@ void PrintDemosaicUsage(std::ostream& out);
 std::vector<uint16_t> MakeBayerFrame(const FrameSize& size, uint32_t depth);
 
 // A 16-bit RGGB mosaic of `depth` bits demosaiced to an 8-bit colour PNG,
-// without correction; a failure is a RunError.
-PngImage DemosaicToPng(const FrameSize& size, uint32_t depth, std::vector<uint16_t>& mosaic);
+// without correction, or graded by the look file `look` when one is named
+// (its 3D table interpolated at each pixel);
+// a failure is a RunError.
+PngImage DemosaicToPng(const FrameSize& size, uint32_t depth, std::vector<uint16_t>& mosaic,
+                       const std::string& look = {});
 
 }  // namespace kestrelink::tool

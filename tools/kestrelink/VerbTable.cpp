@@ -5,6 +5,7 @@
 #include "GeometryVerbs.h"
 #include "Jpeg2kVerb.h"
 #include "JpegVerb.h"
+#include "LookVerb.h"
 #include "MirrorRotateVerbs.h"
 #include "MotionVerb.h"
 #include "ResizeVerb.h"
@@ -33,6 +34,8 @@ constexpr Verb kVerbs[] = {
     {"jpeg", "encode a raw frame to JPEG, decode JPEG to PNG, or describe a JPEG file", RunJpeg, PrintJpegUsage},
     {"merge", "lay one mono frame over another: offset, turned, mirrored, blended or as a ratio, in colour",
      RunMerge, PrintMergeUsage},
+    {"look", "apply a look file (3D or 1D colour table) to a BGR24, BGR48 or BGRx frame", RunLook,
+     PrintLookUsage},
     {"mirror", "mirror a frame about the horizontal or vertical axis, or both", RunMirror, PrintMirrorUsage},
     {"motion", "find the change between two grey frames: difference, threshold, opening, counts", RunMotion,
      PrintMotionUsage},

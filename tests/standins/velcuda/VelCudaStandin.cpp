@@ -54,11 +54,11 @@ struct State {
   uint64_t nextEncoder = 1;
 };
 
-// Destroyed when the stand-in is unloaded, after the binding's teardown calls.
-State& TheState() {
-  static State state;
-  return state;
-}
+// Made when the stand-in is loaded and destroyed when it is unloaded, so it is
+// there for the binding's teardown calls, which are registered after the load.
+State theState;
+
+State& TheState() { return theState; }
 
 int EnvInt(const char* name, int fallback) {
   const char* text = std::getenv(name);

@@ -7,6 +7,7 @@
 #include "primitives/KernelFrame.h"
 #include "primitives/Resize.h"
 #include "primitives/ResizeEngine.h"
+#include "primitives/ResizeUp2.h"
 
 namespace kestrelink::resize {
 
@@ -37,8 +38,16 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
 
   const AxisMap xAxis = Axis(kind, xFactor, xShift, srcRoi.x, x0, x1);
   const AxisMap yAxis = Axis(kind, yFactor, yShift, srcRoi.y, y0, y1);
-  Work work = CarveWork(pBuffer, uint32_t(samples), xAxis.taps, yAxis.taps);
   const int64_t pixelBytes = int64_t(channels) * int64_t(sizeof(Sample));
+  const size_t srcRowBytes = size_t(srcSize.width) * size_t(pixelBytes);
+  const RunRows rows{reinterpret_cast<const uint8_t*>(pSrc), srcStep, srcRowBytes,
+                     reinterpret_cast<uint8_t*>(pDst) + int64_t(dstRoi.x) * pixelBytes, dstStep,
+                     dstRoi.y, dstRoi.height, yAxis, keepFourth};
+  if (IsExactUp2(kind, xFactor, yFactor, xShift, yShift, channels)) {
+    RunUp2<Sample>(rows, xAxis, dstRoi.x, dstRoi.width);
+    return ippStsNoErr;
+  }
+  Work work = CarveWork(pBuffer, uint32_t(samples), xAxis.taps, yAxis.taps);
   int32_t idx[8];
   double w[8];
   // Area spans of large reductions have more taps than the stack arrays.
@@ -51,16 +60,12 @@ IppStatus ResizePixels(const Sample* pSrc, IppiSize srcSize, int srcStep, IppiRe
     for (int c = 0; c < channels; ++c)
       SetTaps(work.x, uint32_t(i * channels + c), tapIdx, tapW, pixelBytes, c * int64_t(sizeof(Sample)));
   }
-  const size_t srcRowBytes = size_t(srcSize.width) * size_t(pixelBytes);
   if (sizeof(Sample) == 1 && kind != IPPI_INTER_NN) DropSilentTaps(work.x);
   FindVectorEnd(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels == 1) FoldWindows(work.x, srcRowBytes);
   if (sizeof(Sample) == 1 && channels > 1) GatherPixels(work.x, channels, srcRowBytes);
   if (sizeof(Sample) == 2 && channels == 1) FoldWindows16(work.x, srcRowBytes);
 
-  const RunRows rows{reinterpret_cast<const uint8_t*>(pSrc), srcStep, srcRowBytes,
-                     reinterpret_cast<uint8_t*>(pDst) + int64_t(dstRoi.x) * pixelBytes, dstStep,
-                     dstRoi.y, dstRoi.height, yAxis, keepFourth};
   if (kind == IPPI_INTER_NN) {
     // One offset a pixel: tap 0 of the pixel's first sample.
     for (int32_t i = 0; i < dstRoi.width; ++i) work.x.off[i] = work.x.off[size_t(i) * channels];

@@ -78,10 +78,16 @@ inline std::string HiveText(const char* root, const std::vector<DispatchKey>& ke
 class ScopedDispatchKeys {
  public:
   ScopedDispatchKeys(const std::vector<DispatchKey>& user, const std::vector<DispatchKey>& machine = {})
-      : user_("user.reg", HiveText("HKEY_CURRENT_USER", user)),
-        machine_("machine.reg", HiveText("HKEY_LOCAL_MACHINE", machine)),
+      : user_(Name("user"), HiveText("HKEY_CURRENT_USER", user)),
+        machine_(Name("machine"), HiveText("HKEY_LOCAL_MACHINE", machine)),
         userEnv_("KESTRELINK_HKCU", user_.path()),
         machineEnv_("KESTRELINK_HKLM", machine_.path()) {}
+
+  // Nested scopes each keep files of their own.
+  static std::string Name(const char* hive) {
+    static int count = 0;
+    return std::string(hive) + "-" + std::to_string(++count) + ".reg";
+  }
 
  private:
   testsupport::TempFile user_, machine_;

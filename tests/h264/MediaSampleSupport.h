@@ -1,5 +1,6 @@
 #pragma once
 // A media sample over a vector, for the frame constructor tests and fuzz target.
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -9,9 +10,11 @@ namespace h264test {
 
 class MemorySample : public IMediaSample {
  public:
-  MemorySample(std::vector<uint8_t> bytes, int32_t room = -1) : buffer_(std::move(bytes)) {
-    actual_ = int32_t(buffer_.size());
-    if (room > actual_) buffer_.resize(size_t(room), 0xEE);
+  // `room` bytes of buffer in all (0xEE behind the data), at least the data's.
+  explicit MemorySample(const std::vector<uint8_t>& bytes, int32_t room = -1)
+      : buffer_(std::max(bytes.size(), room > 0 ? size_t(room) : size_t(0)), 0xEE) {
+    std::copy(bytes.begin(), bytes.end(), buffer_.begin());
+    actual_ = int32_t(bytes.size());
   }
   uint8_t* GetPointer() override { return buffer_.empty() ? nullptr : buffer_.data(); }
   int32_t GetSize() override { return int32_t(buffer_.size()); }

@@ -19,6 +19,7 @@ struct MfxStandinKnobs {
   int32_t writeDelimiter;      // each frame opens with an access unit delimiter
   int32_t notEnoughBufferOnce; // the next encode asks for a bigger buffer once
   uint16_t bufferSizeInKB;     // what GetVideoParam reports
+  int32_t quiet;               // neither copy the surface nor sum its luma (timing runs)
 };
 
 struct MfxStandinRecord {

@@ -4,7 +4,7 @@
 # peers; with --fuzz, clang for the libFuzzer targets.
 set -euo pipefail
 
-packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev)
+packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev libmfx-dev)
 for arg in "$@"; do
   case "$arg" in
     --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libzstd-dev liblz4-dev libcharls-dev libturbojpeg0-dev) ;;

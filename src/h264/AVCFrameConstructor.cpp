@@ -74,13 +74,7 @@ mfxStatus CAVCFrameConstructor::ConstructFrame(IMediaSample* sample, mfxBitstrea
 
   // The earlier Data is the caller's to free: it is not freed here, a settled behaviour of the format.
   const uint32_t bytes = m_headerSize + m_sequenceHeaderSize + uint32_t(units.size());
-  bitstream->Data = static_cast<mfxU8*>(std::calloc(bytes, 1));
-  if (bitstream->Data == nullptr) {
-    bitstream->DataLength = bitstream->MaxLength = 0;
-    return MFX_ERR_NULL_PTR;
-  }
-  bitstream->DataOffset = 0;
-  bitstream->DataLength = bitstream->MaxLength = bytes;
+  if (!NewData(bitstream, bytes)) return MFX_ERR_NULL_PTR;
   std::memcpy(bitstream->Data, m_headers.get(), m_headerSize);
   if (m_sequenceHeaderSize > 0) {
     // Parameter sets go at the start too, over the saved headers: a settled behaviour of the format.

@@ -8,21 +8,19 @@ namespace {
 constexpr int64_t kNoTime = -10000000;
 constexpr mfxU64 kUnknownTime = ~mfxU64(0);
 
-// A fresh Data of `bytes` bytes, zeroed; the old one is freed.
-bool ReplaceData(mfxBitstream* bitstream, uint32_t bytes) {
-  std::free(bitstream->Data);
-  bitstream->Data = static_cast<mfxU8*>(std::calloc(bytes ? bytes : 1, 1));
-  bitstream->DataOffset = 0;
-  bitstream->DataLength = bitstream->MaxLength = bitstream->Data ? bytes : 0;
-  return bitstream->Data != nullptr;
-}
-
 }  // namespace
 
 mfxU64 ConvertSampleTime(int64_t time) {
   if (time == kNoTime) return kUnknownTime;
   // Through a signed value, so that a negative time wraps as it would in 64 bits.
   return mfxU64(int64_t(double(time) / 10000000.0 * 90000));
+}
+
+bool CFrameConstructor::NewData(mfxBitstream* bitstream, uint32_t bytes) {
+  bitstream->Data = static_cast<mfxU8*>(std::calloc(bytes ? bytes : 1, 1));
+  bitstream->DataOffset = 0;
+  bitstream->DataLength = bitstream->MaxLength = bitstream->Data ? bytes : 0;
+  return bitstream->Data != nullptr;
 }
 
 uint32_t CFrameConstructor::SampleBytes(IMediaSample* sample) {
@@ -47,7 +45,8 @@ mfxStatus CFrameConstructor::ConstructFrame(IMediaSample* sample, mfxBitstream* 
   if (length == 0) return MFX_ERR_MORE_DATA;
   const uint8_t* data = sample->GetPointer();
   if (data == nullptr) return MFX_ERR_NULL_PTR;
-  if (!ReplaceData(bitstream, m_headerSize + length)) return MFX_ERR_NULL_PTR;
+  std::free(bitstream->Data);
+  if (!NewData(bitstream, m_headerSize + length)) return MFX_ERR_NULL_PTR;
   std::memcpy(bitstream->Data, m_headers.get(), m_headerSize);
   std::memcpy(bitstream->Data + m_headerSize, data, length);
   m_headerSize = 0;

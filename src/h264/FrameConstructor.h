@@ -22,6 +22,9 @@ class CFrameConstructor {
  protected:
   // The sample's data length, never more than its buffer and never negative.
   static uint32_t SampleBytes(IMediaSample* sample);
+  // Points the bitstream at a new zeroed Data of `bytes` bytes, all of it
+  // counted as data; false when that can't be had.
+  static bool NewData(mfxBitstream* bitstream, uint32_t bytes);
 
   std::unique_ptr<uint8_t[]> m_headers;
   uint32_t m_headerSize = 0;

@@ -38,13 +38,7 @@ mfxStatus CVC1FrameConstructor::ConstructFrame(IMediaSample* sample, mfxBitstrea
   const uint32_t bytes = length + m_headerSize + 4 + (advanced ? 0 : 4);
   std::free(bitstream->Data);
   // Zeroed: in the advanced case with a start code the last 4 bytes stay unwritten.
-  bitstream->Data = static_cast<mfxU8*>(std::calloc(bytes, 1));
-  if (bitstream->Data == nullptr) {
-    bitstream->DataLength = bitstream->MaxLength = 0;
-    return MFX_ERR_NULL_PTR;
-  }
-  bitstream->DataOffset = 0;
-  bitstream->DataLength = bitstream->MaxLength = bytes;
+  if (!NewData(bitstream, bytes)) return MFX_ERR_NULL_PTR;
   int64_t start = 0, stop = 0;
   bitstream->TimeStamp = sample->GetTime(start, stop) ? ConvertSampleTime(start) : ~mfxU64(0);
 

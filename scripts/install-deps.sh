@@ -4,7 +4,7 @@
 # peers; with --fuzz, clang for the libFuzzer targets.
 set -euo pipefail
 
-packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev libopenjp2-7-dev libgrokj2k1-dev libpugixml-dev)
+packages=(build-essential cmake pkg-config ccache libgtest-dev libpng-dev python3 libx264-dev libavcodec-dev libavutil-dev ffmpeg libjpeg62-turbo-dev libopenjp2-7-dev libgrokj2k1-dev libpugixml-dev libmfx-dev)
 for arg in "$@"; do
   case "$arg" in
     --bench) packages+=(libbenchmark-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libzstd-dev liblz4-dev libcharls-dev libturbojpeg0-dev libfftw3-dev libopencolorio-dev) ;;

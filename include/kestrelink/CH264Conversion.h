@@ -48,7 +48,8 @@ class KESTRELINK_API CH264Conversion {
   void ReleaseDecodeResource();
   uint32_t GetLastDecodeFrameIndex();
 
-  // False on this build: no Media SDK back-end encodes here yet.
+  // Whether a Media SDK run-time encodes on the graphics hardware here. Asked
+  // once a process; the answer is kept.
   static bool IsHardwareEncodingSupported();
 
   bool InitWithRTSP();

@@ -2,9 +2,22 @@
 #include <kestrelink/CH264Conversion.h>
 
 #include "h264/CIPPH264Conversion.h"
+#include "h264/CIntelMediaH264Conversion.h"
+#include "h264/HardwareEncodingSupport.h"
+#include "h264/MediaSdkSession.h"
 
-// Until a Media SDK back-end exists, the software back-end encodes as well as decodes.
-CH264Conversion::CH264Conversion() : m_pEncoder(new CIPPH264Conversion), m_pDecoder(new CIPPH264Conversion) {}
+namespace {
+
+// The Media SDK back-end encodes wherever a run-time can really encode here;
+// decoding is always the software back-end's.
+CH264ConversionBase* MakeEncoder() {
+  if (kestrelink::h264::MediaSdkCanEncode(MFX_IMPL_AUTO)) return new CIntelMediaH264Conversion;
+  return new CIPPH264Conversion;
+}
+
+}  // namespace
+
+CH264Conversion::CH264Conversion() : m_pEncoder(MakeEncoder()), m_pDecoder(new CIPPH264Conversion) {}
 
 CH264Conversion::~CH264Conversion() {
   delete m_pEncoder;
@@ -47,7 +60,7 @@ void CH264Conversion::ReleaseDecodeResource() {
 
 uint32_t CH264Conversion::GetLastDecodeFrameIndex() { return m_pDecoder ? m_pDecoder->GetLastDecodeFrameIndex() : 0; }
 
-bool CH264Conversion::IsHardwareEncodingSupported() { return false; }
+bool CH264Conversion::IsHardwareEncodingSupported() { return kestrelink::h264::HardwareEncodingSupported(); }
 
 bool CH264Conversion::InitWithRTSP() { return m_pDecoder ? m_pDecoder->InitWithRTSP() : false; }
 

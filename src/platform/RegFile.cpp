@@ -3,6 +3,7 @@
 #include "platform/RegFile.h"
 
 #include <cstdint>
+#include <set>
 
 #include "platform/Registry.h"
 
@@ -343,6 +344,22 @@ const std::map<std::string, RegistryValue>* RegistryFile::Find(std::string_view 
   auto it = keys_.lower_bound(prefix);
   if (it != keys_.end() && it->first.starts_with(prefix)) return &kNoValues;
   return nullptr;
+}
+
+}  // namespace kestrelink::platform
+
+namespace kestrelink::platform {
+
+std::vector<std::string> RegistryFile::SubKeys(std::string_view keyPath) const {
+  const std::string path = regfile::NormaliseKeyPath(keyPath);
+  const std::string prefix = path.empty() ? std::string() : path + '\\';
+  std::set<std::string, std::less<>> names;
+  for (auto it = keys_.lower_bound(prefix); it != keys_.end() && it->first.starts_with(prefix); ++it) {
+    const std::string_view rest = std::string_view(it->first).substr(prefix.size());
+    const std::string_view child = rest.substr(0, rest.find('\\'));
+    if (!child.empty()) names.emplace(child);
+  }
+  return {names.begin(), names.end()};
 }
 
 }  // namespace kestrelink::platform

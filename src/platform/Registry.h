@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kestrelink::platform {
 
@@ -38,6 +39,10 @@ class RegistryFile {
 
   // Values of a key, or nullptr when the file has no such key.
   const std::map<std::string, RegistryValue>* Find(std::string_view keyPath) const;
+
+  // Lower-cased names of the keys directly below keyPath, in name order (the
+  // index order of an enumeration of sub-keys).
+  std::vector<std::string> SubKeys(std::string_view keyPath) const;
 
  private:
   std::map<std::string, std::map<std::string, RegistryValue>> keys_;  // lower-cased names

@@ -78,6 +78,27 @@ void RgbToGray16(const uint16_t* rgb, uint16_t* dst, uint32_t n) {
   }
 }
 
+// Grey by the fixed-point weights in 32-bit lanes, one product, offset and
+// shift per sample; 8-bit samples never reach a clamp point (all lie above 255).
+template <class T, int Stride>
+void WeighGrey(const T* src, T* dst, uint32_t n, const GreyWeights& w) {
+  constexpr bool kClamp = sizeof(T) > 1;
+  const uint32_t m0 = w.first.mul, a0 = w.first.add, s0 = w.first.shift, c0 = w.first.clampAt;
+  const uint32_t m1 = w.second.mul, a1 = w.second.add, s1 = w.second.shift, c1 = w.second.clampAt;
+  const uint32_t m2 = w.third.mul, a2 = w.third.add, s2 = w.third.shift, c2 = w.third.clampAt;
+  for (size_t i = 0; i < n; ++i) {
+    const T* p = src + Stride * i;
+    uint32_t x0 = p[0], x1 = p[1], x2 = p[2];
+    if constexpr (kClamp) {
+      x0 = std::min(x0, c0);
+      x1 = std::min(x1, c1);
+      x2 = std::min(x2, c2);
+    }
+    const uint32_t sum = ((x0 * m0 + a0) >> s0) + ((x1 * m1 + a1) >> s1) + ((x2 * m2 + a2) >> s2);
+    dst[i] = T(std::min(sum, 255u));
+  }
+}
+
 #if ANALYSIS_VECTOR_BYTES > 0
 typedef uint8_t Bytes __attribute__((vector_size(ANALYSIS_VECTOR_BYTES)));
 constexpr uint32_t kLanes = ANALYSIS_VECTOR_BYTES;
@@ -254,6 +275,10 @@ void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
 constexpr AnalysisRowKernels kBodyKernels = {
     .rgbToGray8 = RgbToGray8,
     .rgbToGray16 = RgbToGray16,
+    .weighGrey8C3 = WeighGrey<uint8_t, 3>,
+    .weighGrey8C4 = WeighGrey<uint8_t, 4>,
+    .weighGrey16C3 = WeighGrey<uint16_t, 3>,
+    .weighGrey16C4 = WeighGrey<uint16_t, 4>,
     .countInRange8 = CountInRange8,
     .sum8 = Sum8,
     .sum16 = Sum16,

@@ -69,15 +69,17 @@ struct GreyFits {
 
 GreyFits FitTables() {
   using kestrelink::analysis::FitGreyWeight;
+  using kestrelink::analysis::kGrey8Form;
   GreyFits fits;
   const std::unique_ptr<uint16_t[]> red(WeightTable(kRedWeight)), green(WeightTable(kGreenWeight)),
       blue(WeightTable(kBlueWeight));
   for (const bool deep : {false, true}) {
     GreyWeights& w = deep ? fits.weights16 : fits.weights8;
     const uint32_t top = deep ? 65535 : 255;
-    (deep ? fits.found16 : fits.found8) = FitGreyWeight(green.get(), kGreenWeight, top, deep, w.first) &&
-                                          FitGreyWeight(blue.get(), kBlueWeight, top, deep, w.second) &&
-                                          FitGreyWeight(red.get(), kRedWeight, top, deep, w.third);
+    const kestrelink::analysis::GreyForm form = deep ? kestrelink::analysis::GreyForm{} : kGrey8Form;
+    (deep ? fits.found16 : fits.found8) = FitGreyWeight(green.get(), kGreenWeight, top, deep, w.first, form) &&
+                                          FitGreyWeight(blue.get(), kBlueWeight, top, deep, w.second, form) &&
+                                          FitGreyWeight(red.get(), kRedWeight, top, deep, w.third, form);
   }
   return fits;
 }

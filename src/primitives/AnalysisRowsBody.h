@@ -113,15 +113,18 @@ inline __m256i LoadGreyPixels(const uint8_t* p) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
+// Shuffle to 16-bit lanes holding, in their high bytes, sample `first` of
+// the lane's four pixels in lanes 0-3 and sample `second` in lanes 4-7 (a
+// negative position leaves zeros).
 template <int Stride>
 inline __m256i HighByteShuffle(int first, int second) {
-  auto at = [](int pos) { return char(pos < 0 ? -1 : pos); };
-  const int s = Stride;
-  const __m128i lane = _mm_setr_epi8(-1, at(first), -1, at(first < 0 ? -1 : first + s), -1,
-                                     at(first < 0 ? -1 : first + 2 * s), -1, at(first < 0 ? -1 : first + 3 * s),  //
-                                     -1, at(second), -1, at(second < 0 ? -1 : second + s), -1,
-                                     at(second < 0 ? -1 : second + 2 * s), -1, at(second < 0 ? -1 : second + 3 * s));
-  return _mm256_broadcastsi128_si256(lane);
+  alignas(16) int8_t bytes[16];
+  for (int j = 0; j < 4; ++j) {
+    bytes[2 * j] = bytes[8 + 2 * j] = -1;
+    bytes[2 * j + 1] = int8_t(first < 0 ? -1 : first + j * Stride);
+    bytes[8 + 2 * j + 1] = int8_t(second < 0 ? -1 : second + j * Stride);
+  }
+  return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(bytes)));
 }
 
 struct Grey8Lanes {

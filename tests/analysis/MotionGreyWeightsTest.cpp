@@ -33,25 +33,40 @@ int TableGrey(uint32_t s0, uint32_t s1, uint32_t s2) {
   return std::min(Entry(s0, 0.587) + Entry(s1, 0.114) + Entry(s2, 0.299), 255);
 }
 
+// Every sample of the width against the plain entry, in 64-bit arithmetic.
+void CheckStandIn(const GreyWeight& fit, double w, uint32_t top, bool deep) {
+  for (uint32_t x = 0; x <= top; ++x) {
+    const uint64_t clamped = std::min(x, fit.clampAt);
+    const uint64_t product = clamped * fit.mul + fit.add;
+    ASSERT_LE(product, 0xFFFFFFFFu) << x;
+    const int got = int(product >> fit.shift);
+    // Below 256 the entry itself; from there on any value of 256 or more,
+    // since the grey clamps to 255 anyway.
+    if (Entry(x, w) < 256 || !deep)
+      ASSERT_EQ(got, Entry(x, w)) << "weight " << w << " sample " << x;
+    else
+      ASSERT_GE(got, 256) << "weight " << w << " sample " << x;
+  }
+}
+
 TEST(MotionGreyWeights, StandInsMatchEveryEntryOfEachWidth) {
   for (const double w : {0.299, 0.587, 0.114}) {
     const std::vector<uint16_t> table = Table(w);
-    for (const bool deep : {false, true}) {
-      GreyWeight fit;
-      ASSERT_TRUE(FitGreyWeight(table.data(), w, deep ? 65535 : 255, deep, fit)) << w << " " << deep;
-      const uint32_t top = deep ? 65535 : 255;
-      for (uint32_t x = 0; x <= top; ++x) {
-        const uint64_t clamped = std::min(x, fit.clampAt);
-        const uint64_t product = clamped * fit.mul + fit.add;
-        ASSERT_LE(product, 0xFFFFFFFFu) << x;
-        const int got = int(product >> fit.shift);
-        // Below 256 the entry itself; from there on any value of 256 or
-        // more, since the grey clamps to 255 anyway.
-        if (Entry(x, w) < 256 || !deep)
-          ASSERT_EQ(got, Entry(x, w)) << "weight " << w << " sample " << x;
-        else
-          ASSERT_GE(got, 256) << "weight " << w << " sample " << x;
-      }
+    GreyWeight fit;
+    ASSERT_TRUE(FitGreyWeight(table.data(), w, 65535, true, fit)) << w;
+    CheckStandIn(fit, w, 65535, true);
+    ASSERT_TRUE(FitGreyWeight(table.data(), w, 255, false, fit)) << w;
+    CheckStandIn(fit, w, 255, false);
+    // The 16-bit-lane form: (((x << 8) * mul) >> 16) + add / 256, shifted
+    // by shift - 8, with every step inside 16 bits.
+    ASSERT_TRUE(FitGreyWeight(table.data(), w, 255, false, fit, kestrelink::analysis::kGrey8Form)) << w;
+    ASSERT_LT(fit.mul, 65536u);
+    ASSERT_EQ(fit.add % 256, 0u);
+    ASSERT_GE(fit.shift, 8u);
+    for (uint32_t x = 0; x <= 255; ++x) {
+      const uint32_t high = ((x << 8) * fit.mul) >> 16, lane = high + fit.add / 256;
+      ASSERT_LT(lane, 65536u);
+      ASSERT_EQ(int(lane >> (fit.shift - 8)), Entry(x, w)) << "weight " << w << " sample " << x;
     }
   }
 }

@@ -1,4 +1,5 @@
-// CIppMotionDetector at 1920 x 1080, 8-bit grey frames: grey conversion,
+// CIppMotionDetector at 1920 x 1080, 8-bit grey frames: grey conversion
+// (of RGB24, and of BGR and BGRx at 8 and 12 bits in 16-bit samples),
 // count in a range, mean, dilate and erode, Sobel 3 x 3 and 5 x 5 (filter,
 // magnitude, narrowing to bytes), absolute difference and threshold, next
 // to OpenCV's cvtColor, inRange + countNonZero, mean, dilate / erode,
@@ -24,13 +25,16 @@ namespace kestrelink::bench {
 namespace {
 
 struct MotionFrames : FrameSize {
-  FrameBuffer rgb{3 * pixels}, a{pixels}, b{pixels}, dst{pixels}, work{pixels}, a16{2 * pixels}, b16{2 * pixels},
+  FrameBuffer rgb{3 * pixels}, rgbx{4 * pixels}, rgb16{6 * pixels}, rgbx16{8 * pixels}, a{pixels}, b{pixels}, dst{pixels}, work{pixels}, a16{2 * pixels}, b16{2 * pixels},
       dst16{2 * pixels};
   CIppMotionDetector motion;
   int count = 0;
   double mean = 0;
   MotionFrames() {
     FillBytes(rgb.data(), rgb.size(), 0x11ull);
+    FillBytes(rgbx.data(), rgbx.size(), 0x12ull);
+    FillSamples16(rgb16.words(), 3 * pixels, 12, 0x13ull);
+    FillSamples16(rgbx16.words(), 4 * pixels, 12, 0x14ull);
     FillBytes(a.data(), a.size(), 0x22ull);
     FillBytes(b.data(), b.size(), 0x33ull);
     FillBytes(work.data(), work.size(), 0x44ull);
@@ -48,7 +52,7 @@ void Ours(const char* operation, size_t read, size_t written, Call call) {
 
 #ifdef KESTRELINK_HAVE_OPENCV
 struct Mats {
-  cv::Mat rgb, a, b, dst, work, a16, b16, dst16, mask, s16;
+  cv::Mat rgb, rgbx, rgb16, rgbx16, a, b, dst, work, a16, b16, dst16, mask, s16;
 };
 
 std::shared_ptr<Mats> MakeMats() {
@@ -56,6 +60,9 @@ std::shared_ptr<Mats> MakeMats() {
   auto m = std::make_shared<Mats>();
   const int h = int(f.h), w = int(f.w);
   m->rgb = cv::Mat(h, w, CV_8UC3, f.rgb.data());
+  m->rgbx = cv::Mat(h, w, CV_8UC4, f.rgbx.data());
+  m->rgb16 = cv::Mat(h, w, CV_16UC3, f.rgb16.data());
+  m->rgbx16 = cv::Mat(h, w, CV_16UC4, f.rgbx16.data());
   m->a = cv::Mat(h, w, CV_8UC1, f.a.data());
   m->b = cv::Mat(h, w, CV_8UC1, f.b.data());
   m->dst = cv::Mat(h, w, CV_8UC1, f.dst.data());
@@ -86,8 +93,15 @@ void RegisterCases() {
   RegisterMemcpy(2);
   Ours("grey of RGB24", 3, 1,
        [](MotionFrames& f, int w, int h) { return f.motion.RGB8GrayConvert(w, h, f.rgb.data(), f.dst.data()); });
-  Ours("grey of BGR24 (tables)", 3, 1,
+  Ours("grey of BGR24", 3, 1,
        [](MotionFrames& f, int w, int h) { return f.motion.BGR8GrayConvert(w, h, f.rgb.data(), f.dst.data()); });
+  Ours("grey of BGRx32", 4, 1,
+       [](MotionFrames& f, int w, int h) { return f.motion.BGRx8GrayConvert(w, h, f.rgbx.data(), f.dst.data()); });
+  Ours("grey of BGR48", 6, 2,
+       [](MotionFrames& f, int w, int h) { return f.motion.BGR16GrayConvert(w, h, f.rgb16.data(), f.dst16.data()); });
+  Ours("grey of BGRx64", 8, 2, [](MotionFrames& f, int w, int h) {
+    return f.motion.BGRx16GrayConvert(w, h, f.rgbx16.data(), f.dst16.data());
+  });
   Ours("count in range", 1, 0, [](MotionFrames& f, int w, int h) {
     return f.motion.Count8bitGrayPixels(w, h, f.a.data(), 40, 200, 0, 0, w, h, f.count);
   });
@@ -114,7 +128,10 @@ void RegisterCases() {
   });
 #ifdef KESTRELINK_HAVE_OPENCV
   Peer("grey of RGB24", 3, 1, [](Mats& m) { cv::cvtColor(m.rgb, m.dst, cv::COLOR_RGB2GRAY); });
-  Peer("grey of BGR24 (tables)", 3, 1, [](Mats& m) { cv::cvtColor(m.rgb, m.dst, cv::COLOR_BGR2GRAY); });
+  Peer("grey of BGR24", 3, 1, [](Mats& m) { cv::cvtColor(m.rgb, m.dst, cv::COLOR_BGR2GRAY); });
+  Peer("grey of BGRx32", 4, 1, [](Mats& m) { cv::cvtColor(m.rgbx, m.dst, cv::COLOR_BGRA2GRAY); });
+  Peer("grey of BGR48", 6, 2, [](Mats& m) { cv::cvtColor(m.rgb16, m.dst16, cv::COLOR_BGR2GRAY); });
+  Peer("grey of BGRx64", 8, 2, [](Mats& m) { cv::cvtColor(m.rgbx16, m.dst16, cv::COLOR_BGRA2GRAY); });
   Peer("count in range", 1, 0, [](Mats& m) {
     cv::inRange(m.a, 40, 200, m.mask);
     Frames().count = cv::countNonZero(m.mask);

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "primitives/GreyWeights.h"
 #include "primitives/Variant.h"
 
 namespace kestrelink::analysis {
@@ -16,6 +17,12 @@ struct AnalysisRowKernels {
   // Grey of n RGB pixels: (4899 R + 9617 G + 1868 B + 8192) >> 14.
   void (*rgbToGray8)(const uint8_t* rgb, uint8_t* dst, uint32_t n);
   void (*rgbToGray16)(const uint16_t* rgb, uint16_t* dst, uint32_t n);
+  // Grey of n pixels of 3 or 4 samples by the fixed-point weights, the sum
+  // clamped to 255; the 16-bit forms clamp each sample at its weight's clampAt.
+  void (*weighGrey8C3)(const uint8_t* src, uint8_t* dst, uint32_t n, const GreyWeights& w);
+  void (*weighGrey8C4)(const uint8_t* src, uint8_t* dst, uint32_t n, const GreyWeights& w);
+  void (*weighGrey16C3)(const uint16_t* src, uint16_t* dst, uint32_t n, const GreyWeights& w);
+  void (*weighGrey16C4)(const uint16_t* src, uint16_t* dst, uint32_t n, const GreyWeights& w);
   // Pixels with lo <= v <= hi.
   uint32_t (*countInRange8)(const uint8_t* row, uint32_t n, uint8_t lo, uint8_t hi);
   uint64_t (*sum8)(const uint8_t* row, uint32_t n);

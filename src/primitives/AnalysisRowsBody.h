@@ -78,6 +78,105 @@ void RgbToGray16(const uint16_t* rgb, uint16_t* dst, uint32_t n) {
   }
 }
 
+// Grey by the fixed-point weights in 32-bit lanes, one product, offset and
+// shift per sample; 8-bit samples never reach a clamp point (all lie above 255).
+template <class T, int Stride>
+void WeighGrey(const T* src, T* dst, uint32_t n, const GreyWeights& w) {
+  constexpr bool kClamp = sizeof(T) > 1;
+  const uint32_t m0 = w.first.mul, a0 = w.first.add, s0 = w.first.shift, c0 = w.first.clampAt;
+  const uint32_t m1 = w.second.mul, a1 = w.second.add, s1 = w.second.shift, c1 = w.second.clampAt;
+  const uint32_t m2 = w.third.mul, a2 = w.third.add, s2 = w.third.shift, c2 = w.third.clampAt;
+  for (size_t i = 0; i < n; ++i) {
+    const T* p = src + Stride * i;
+    uint32_t x0 = p[0], x1 = p[1], x2 = p[2];
+    if constexpr (kClamp) {
+      x0 = std::min(x0, c0);
+      x1 = std::min(x1, c1);
+      x2 = std::min(x2, c2);
+    }
+    const uint32_t sum = ((x0 * m0 + a0) >> s0) + ((x1 * m1 + a1) >> s1) + ((x2 * m2 + a2) >> s2);
+    dst[i] = T(std::min(sum, 255u));
+  }
+}
+
+#if ANALYSIS_VECTOR_BYTES > 0
+// 8-bit grey in 16-bit lanes. A load holds eight pixels, four to a 128-bit
+// lane; the byte shuffle puts each sample in the high byte of a 16-bit lane
+// (x << 8): first samples in lanes 0-3, second in 4-7, and in a second
+// shuffle the third in 0-3. Two loads' halves meet in one register of a
+// sample position for 16 pixels (order 0-3, 8-11 | 4-7, 12-15).
+template <int Stride>
+inline __m256i LoadGreyPixels(const uint8_t* p) {
+  if constexpr (Stride == 3)
+    return _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(p + 12), reinterpret_cast<const __m128i*>(p));
+  else
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+
+// Shuffle to 16-bit lanes holding, in their high bytes, sample `first` of
+// the lane's four pixels in lanes 0-3 and sample `second` in lanes 4-7 (a
+// negative position leaves zeros).
+template <int Stride>
+inline __m256i HighByteShuffle(int first, int second) {
+  alignas(16) int8_t bytes[16];
+  for (int j = 0; j < 4; ++j) {
+    bytes[2 * j] = bytes[8 + 2 * j] = -1;
+    bytes[2 * j + 1] = int8_t(first < 0 ? -1 : first + j * Stride);
+    bytes[8 + 2 * j + 1] = int8_t(second < 0 ? -1 : second + j * Stride);
+  }
+  return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(bytes)));
+}
+
+struct Grey8Lanes {
+  __m256i mul, add;
+  __m128i shift;
+  explicit Grey8Lanes(const GreyWeight& w)
+      : mul(_mm256_set1_epi16(int16_t(w.mul))),
+        add(_mm256_set1_epi16(int16_t(w.add >> 8))),
+        shift(_mm_cvtsi32_si128(int(w.shift - 8))) {}
+  __m256i Weigh(__m256i highBytes) const {
+    return _mm256_srl_epi16(_mm256_add_epi16(_mm256_mulhi_epu16(highBytes, mul), add), shift);
+  }
+};
+
+template <int Stride>
+inline __m256i Grey16Pixels(const uint8_t* p, const Grey8Lanes& w0, const Grey8Lanes& w1, const Grey8Lanes& w2,
+                            __m256i firstSecond, __m256i third) {
+  const __m256i a = LoadGreyPixels<Stride>(p), b = LoadGreyPixels<Stride>(p + 8 * Stride);
+  const __m256i a01 = _mm256_shuffle_epi8(a, firstSecond), b01 = _mm256_shuffle_epi8(b, firstSecond);
+  const __m256i x2 = _mm256_unpacklo_epi64(_mm256_shuffle_epi8(a, third), _mm256_shuffle_epi8(b, third));
+  const __m256i sum = _mm256_add_epi16(_mm256_add_epi16(w0.Weigh(_mm256_unpacklo_epi64(a01, b01)),
+                                                        w1.Weigh(_mm256_unpackhi_epi64(a01, b01))),
+                                       w2.Weigh(x2));
+  return sum;
+}
+
+template <int Stride>
+void WeighGrey8(const uint8_t* src, uint8_t* dst, uint32_t n, const GreyWeights& w) {
+  const Grey8Lanes w0(w.first), w1(w.second), w2(w.third);
+  const __m256i firstSecond = HighByteShuffle<Stride>(0, 1), third = HighByteShuffle<Stride>(2, -1);
+  // 32 pixels a step; with three samples a pixel the last load reads 4
+  // bytes past its pixels, so a step needs 4 more bytes of the row after it.
+  constexpr size_t kOver = Stride == 3 ? 4 : 0;
+  size_t i = 0;
+  for (; Stride * (i + 32) + kOver <= Stride * size_t(n); i += 32) {
+    const uint8_t* p = src + Stride * i;
+    const __m256i low = Grey16Pixels<Stride>(p, w0, w1, w2, firstSecond, third);
+    const __m256i high = Grey16Pixels<Stride>(p + 16 * Stride, w0, w1, w2, firstSecond, third);
+    // The sums saturate at 255, the tables' clamp.
+    const __m256i bytes = _mm256_packus_epi16(low, high);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i),
+                        _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+  }
+  WeighGrey<uint8_t, Stride>(src + Stride * i, dst + i, n - uint32_t(i), w);
+}
+#else
+template <int Stride>
+void WeighGrey8(const uint8_t* src, uint8_t* dst, uint32_t n, const GreyWeights& w) {
+  WeighGrey<uint8_t, Stride>(src, dst, n, w);
+}
+#endif
+
 #if ANALYSIS_VECTOR_BYTES > 0
 typedef uint8_t Bytes __attribute__((vector_size(ANALYSIS_VECTOR_BYTES)));
 constexpr uint32_t kLanes = ANALYSIS_VECTOR_BYTES;
@@ -254,6 +353,10 @@ void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
 constexpr AnalysisRowKernels kBodyKernels = {
     .rgbToGray8 = RgbToGray8,
     .rgbToGray16 = RgbToGray16,
+    .weighGrey8C3 = WeighGrey8<3>,
+    .weighGrey8C4 = WeighGrey8<4>,
+    .weighGrey16C3 = WeighGrey<uint16_t, 3>,
+    .weighGrey16C4 = WeighGrey<uint16_t, 4>,
     .countInRange8 = CountInRange8,
     .sum8 = Sum8,
     .sum16 = Sum16,

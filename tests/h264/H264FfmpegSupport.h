@@ -1,16 +1,9 @@
 #pragma once
 // Helpers of the tests that take streams from the ffmpeg command-line tools:
-// temporary files, access units as a reader of the format cuts them, and
-// A record around one access unit, with 8 readable bytes behind it.
-inline std::vector<uint8_t> RecordOf(const std::vector<uint8_t>& unit) {
-  std::vector<uint8_t> record(8 + unit.size() + 8, 0);
-  const uint32_t size = uint32_t(unit.size() + 8);
-  for (int b = 0; b < 4; ++b) record[b] = uint8_t(size >> (8 * b));
-  std::copy(unit.begin(), unit.end(), record.begin() + 8);
-  return record;
-}
+// temporary files, access units as a reader of the format cuts them, records
+// around them, and ffmpeg's own decode as BGR rows.
+#include <unistd.h>
 
-// ffmpeg's own decode as BGR rows.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -29,7 +22,10 @@ inline bool HaveFfmpegTools() {
   return std::system("command -v ffmpeg >/dev/null 2>&1 && command -v ffprobe >/dev/null 2>&1") == 0;
 }
 
-inline std::string TempPath(const std::string& name) { return testing::TempDir() + "kestrelink_h264_" + name; }
+// One file a process: ctest runs the tests side by side.
+inline std::string TempPath(const std::string& name) {
+  return testing::TempDir() + "kestrelink_h264_" + std::to_string(getpid()) + "_" + name;
+}
 
 inline std::vector<uint8_t> ReadBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);

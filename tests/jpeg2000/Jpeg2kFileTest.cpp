@@ -1,6 +1,8 @@
 // The JP2 file and the packet record as the converter writes them: boxes
 // and markers byte for byte, the record's count, the layouts' settled
 // asymmetries, the file replaced on each write, and the messages.
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 #include <kestrelink/DebugOutput.h>
 
@@ -19,7 +21,8 @@ struct MessageLog {
   ~MessageLog() { kestrelink::SetDebugOutputHandler(nullptr, nullptr); }
 };
 
-std::string TempPath(const char* name) { return testing::TempDir() + name; }
+// One file a process: ctest runs the tests side by side.
+std::string TempPath(const char* name) { return testing::TempDir() + std::to_string(getpid()) + "_" + name; }
 
 std::vector<uint8_t> WriteFile(Frame& f, const std::string& path) {
   CIppImageWrapper wrapper;

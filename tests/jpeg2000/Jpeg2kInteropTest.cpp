@@ -1,6 +1,9 @@
 // Our files and packet records decode with the peer libraries to exactly
 // the samples put in.
+#include <unistd.h>
+
 #include <random>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -16,7 +19,8 @@ namespace {
 std::vector<uint8_t> WriteFile(Frame& f) {
   CIppImageWrapper wrapper;
   wrapper.InitJPeg2KConverter(f.width, f.height, 0, 0, f.format);
-  const std::string path = testing::TempDir() + "j2k_interop.jp2";
+  // One file a process: ctest runs the tests side by side.
+  const std::string path = testing::TempDir() + "j2k_interop_" + std::to_string(getpid()) + ".jp2";
   EXPECT_TRUE(wrapper.WriteJpeg2KToFile(path.c_str(), f.Plane(0), f.Plane(1), f.Plane(2)));
   std::vector<uint8_t> file = ReadFile(path);
   std::remove(path.c_str());

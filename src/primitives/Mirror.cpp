@@ -2,7 +2,6 @@
 // axis, each row's pixels reversed for the vertical axis, both for both.
 #include <cstring>
 
-#include "frame/StreamCopy.h"
 #include "primitives/KernelFrame.h"
 #include "primitives/MirrorPrimitives.h"
 #include "primitives/MirrorRows.h"
@@ -15,33 +14,15 @@ IppStatus MirrorRegion(const void* src, int srcStep, void* dst, int dstStep, Ipp
   if (flip != ippAxsHorizontal && flip != ippAxsVertical && flip != ippAxsBoth) return ippStsMirrorFlipErr;
   const uint32_t w = uint32_t(size.width);
   const int h = size.height;
-  const size_t rowBytes = size_t(w) * bytes;
   const bool rowsReverse = flip != ippAxsVertical;
-  // Regions larger than the caches are written around them, as a large
-  // memcpy does: ordinary stores would first read every line they fill.
-  const bool stream = rowBytes * size_t(h) >= kStreamCopyBytes;
   if (flip == ippAxsHorizontal) {
-    for (int y = 0; y < h; ++y) {
-      auto* to = static_cast<uint8_t*>(prim::StepRow(dst, dstStep, h - 1 - y));
-      const auto* from = static_cast<const uint8_t*>(prim::StepRow(src, srcStep, y));
-      if (stream)
-        StreamCopy(to, from, rowBytes);
-      else
-        std::memcpy(to, from, rowBytes);
-    }
-    if (stream) StreamCopyDone();
+    for (int y = 0; y < h; ++y)
+      std::memcpy(prim::StepRow(dst, dstStep, h - 1 - y), prim::StepRow(src, srcStep, y), size_t(w) * bytes);
     return ippStsNoErr;
   }
   const ReverseRow reverse = MirrorRows().ForPixel(bytes);
-  for (int y = 0; y < h; ++y) {
-    const auto* from = static_cast<const uint8_t*>(prim::StepRow(src, srcStep, y));
-    auto* to = static_cast<uint8_t*>(prim::StepRow(dst, dstStep, rowsReverse ? h - 1 - y : y));
-    if (stream)
-      ReverseRowStreaming(reverse, from, to, w, bytes);
-    else
-      reverse(from, to, w);
-  }
-  if (stream) StreamCopyDone();
+  for (int y = 0; y < h; ++y)
+    reverse(prim::StepRow(src, srcStep, y), prim::StepRow(dst, dstStep, rowsReverse ? h - 1 - y : y), w);
   return ippStsNoErr;
 }
 

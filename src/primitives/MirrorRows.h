@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/StreamCopy.h"
 #include "primitives/PixelSizes.h"
 #include "primitives/Variant.h"
 
@@ -42,22 +41,6 @@ void ReversePortable(const uint8_t* src, uint8_t* dst, uint32_t n) {
   for (uint32_t i = 0; i < n; ++i) {
     s -= Bytes;
     for (int b = 0; b < Bytes; ++b) dst[size_t(i) * Bytes + b] = s[b];
-  }
-}
-
-// One row reversed for a destination larger than the caches: pixels are
-// reversed a chunk at a time into a buffer that stays in the first-level
-// cache, then streamed out (StreamCopy). 1024 pixels of any size are a whole
-// number of 64-byte lines, so every chunk starts at the same place in a line
-// as the first. The caller ends its frame with StreamCopyDone.
-inline void ReverseRowStreaming(ReverseRow reverse, const uint8_t* src, uint8_t* dst, uint32_t w, int bytes) {
-  constexpr uint32_t kChunkPixels = 1024;
-  alignas(64) uint8_t chunk[kChunkPixels * 8];
-  for (uint32_t i = 0; i < w; i += kChunkPixels) {
-    const uint32_t k = w - i < kChunkPixels ? w - i : kChunkPixels;
-    // Destination pixels i .. i+k-1 are source pixels w-i-k .. w-i-1, reversed.
-    reverse(src + size_t(w - i - k) * bytes, chunk, k);
-    StreamCopy(dst + size_t(i) * bytes, chunk, size_t(k) * bytes);
   }
 }
 

@@ -7,6 +7,8 @@
 
 #include <jpeglib.h>  // after <cstdio>: it needs FILE and size_t
 
+#include "jpeg/front/YcbcraRows.h"
+
 namespace kestrelink::jpegfront {
 namespace {
 
@@ -55,17 +57,7 @@ void DestinationTerm(j_compress_ptr) {}
 
 inline uint8_t Clamp(int v) { return static_cast<uint8_t>(std::clamp(v, 0, 255)); }
 
-// Full-range YCbCr of the JFIF format, in 16-bit fixed point.
-void RgbaRowToYcbcra(const uint8_t* in, uint8_t* out, int width) {
-  for (int x = 0; x < width; ++x, in += 4, out += 4) {
-    const int r = in[0], g = in[1], b = in[2];
-    out[0] = Clamp((19595 * r + 38470 * g + 7471 * b + 32768) >> 16);
-    out[1] = Clamp(((-11059 * r - 21709 * g + 32768 * b + 32768) >> 16) + 128);
-    out[2] = Clamp(((32768 * r - 27439 * g - 5329 * b + 32768) >> 16) + 128);
-    out[3] = in[3];
-  }
-}
-
+// The reverse of RgbaRowToYcbcra, in the same fixed point.
 void YcbcraRowToRgba(const uint8_t* in, uint8_t* out, int width) {
   for (int x = 0; x < width; ++x, in += 4, out += 4) {
     const int y = in[0], cb = in[1] - 128, cr = in[2] - 128;

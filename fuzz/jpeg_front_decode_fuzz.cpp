@@ -4,6 +4,8 @@
 // the end of the headers where the file form puts its metadata segment.
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "jpeg/front/App1Segment.h"
@@ -16,6 +18,9 @@ namespace {
 struct Layout {
   int channels, colour, sampling, bytesPerPixelTimes2;
 };
+constexpr size_t kGuard = 64;
+constexpr uint8_t kGuardByte = 0xA5;
+
 constexpr Layout kLayouts[] = {
     {1, kIjlGray, kIjlSamplingNone, 2}, {3, kIjlBgr, kIjl444, 6},  {3, kIjlRgb, kIjl444, 6},
     {4, kIjlRgba, kIjl411, 8},          {3, kIjlYcbcr, kIjl422, 4}, {3, kIjlOther, kIjl444, 6},
@@ -37,8 +42,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (IjlRead(p, kIjlReadParamsBuffer) != kIjlOk) return 0;
   if (int64_t(p.jpgWidth) * p.jpgHeight > (1 << 20)) return 0;
   const size_t bytes = size_t(p.jpgWidth) * p.jpgHeight * layout.bytesPerPixelTimes2 / 2;
-  std::unique_ptr<uint8_t[]> frame(new uint8_t[bytes ? bytes : 1]);
+  // libjpeg itself is not instrumented: a guard behind the frame catches its
+  // writes past the frame's last byte.
+  std::unique_ptr<uint8_t[]> frame(new uint8_t[bytes + kGuard]);
+  std::memset(frame.get() + bytes, kGuardByte, kGuard);
   p.dibBytes = frame.get();
   IjlRead(p, kIjlReadImageBuffer);
+  for (size_t i = 0; i < kGuard; ++i)
+    if (frame[bytes + i] != kGuardByte) std::abort();
   return 0;
 }

@@ -2,10 +2,10 @@
 // format 100 at 16 bits, 200 at 48 bits, 700 and 500, next to the same
 // normalising conversion (CIppImageConverter) followed by the bare engine
 // that the front drives with the front's settings, and followed by
-// libjpeg-turbo's TurboJPEG with the nearest settings. All four frames are
-// deeper than 8 and 24 bits, so the front codes them with its libjpeg
-// back-end, mono included; a frame it can borrow (500 at 32 bits) goes to the
-// engine as it is, with no copy on either side. The front's overhead is its
+// libjpeg-turbo's TurboJPEG with the nearest settings. None of the four
+// frames has 8 or 24 bits a pixel, so the front codes them all with its
+// libjpeg back-end, mono included; a frame it can borrow (500 at 32 bits)
+// goes to the engine as it is, with no copy on either side. The front's overhead is its
 // time over "convert+engine". Conversions use the library's team; both JPEG
 // engines code on one thread.
 #include <kestrelink/CIppImageConverter.h>

@@ -67,7 +67,7 @@ TEST(YcbcraRows, SweepMatchesFixedPoint) {
   for (int r = 0; r < 256; ++r)
     for (int g : levels)
       for (int b : levels) rgba.insert(rgba.end(), {uint8_t(r), uint8_t(g), uint8_t(b), uint8_t(r ^ g ^ b)});
-  rgba.resize(rgba.size() - 4 * 3);  // not a multiple of four pixels
+  rgba.insert(rgba.end(), {255, 0, 254, 1});  // one more: not a multiple of four pixels
   const std::vector<uint8_t> expected = Expected(rgba);
   const int width = int(rgba.size() / 4);
   for (kestrelink::CpuVariant v : RunnableVariants()) {

@@ -45,12 +45,22 @@ TEST(YcbcraRows, KnownColours) {
       {{255, 0, 0, 0}, {76, 85, 255, 0}},     {{0, 255, 0, 1}, {150, 44, 21, 1}},
       {{0, 0, 255, 128}, {29, 255, 107, 128}}, {{128, 128, 128, 9}, {128, 128, 128, 9}},
   };
+  // Each colour four times over in one row of 24 pixels, then alone (a row of one).
+  std::vector<uint8_t> row, expected;
+  for (const Case& c : cases)
+    for (int i = 0; i < 4; ++i) {
+      row.insert(row.end(), c.rgba, c.rgba + 4);
+      expected.insert(expected.end(), c.ycbcra, c.ycbcra + 4);
+    }
   for (kestrelink::CpuVariant v : RunnableVariants()) {
     ScopedVariant scoped(v);
+    std::vector<uint8_t> out(row.size());
+    RgbaRowToYcbcra(row.data(), out.data(), int(row.size() / 4));
+    EXPECT_EQ(out, expected) << kestrelink::VariantName(v);
     for (const Case& c : cases) {
-      uint8_t out[4] = {};
-      RgbaRowToYcbcra(c.rgba, out, 1);
-      EXPECT_EQ(std::vector<uint8_t>(out, out + 4), std::vector<uint8_t>(c.ycbcra, c.ycbcra + 4))
+      uint8_t one[4] = {};
+      RgbaRowToYcbcra(c.rgba, one, 1);
+      EXPECT_EQ(std::vector<uint8_t>(one, one + 4), std::vector<uint8_t>(c.ycbcra, c.ycbcra + 4))
           << kestrelink::VariantName(v) << " rgb " << int(c.rgba[0]) << " " << int(c.rgba[1]) << " " << int(c.rgba[2]);
     }
   }

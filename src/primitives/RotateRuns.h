@@ -2,8 +2,8 @@
 // Interior runs of the general rotation: destination pixels whose source
 // taps all lie inside the region and whose next source row exists, so that
 // a vector variant may gather whole 32-bit words at each tap. One table per
-// processor variant (portable, AVX2); every variant gives the same bytes as
-// the portable one, which is the plain per-pixel rule.
+// processor variant (portable, AVX2, AVX-512); every variant gives the same
+// bytes as the portable one, which is the plain per-pixel rule.
 #include <cstddef>
 #include <cstdint>
 
@@ -30,14 +30,16 @@ using InteriorRun = void (*)(const Warp& w, double uRow, double vRow, int a, int
 
 struct RotateRunKernels {
   InteriorRun nearest8c1, linear8c1, nearest8ac4, linear8ac4, nearest16c1, linear16c1;
+  InteriorRun cubic8c1, cubic8c3, cubic8ac4, cubic16c1, cubic16c3, cubic16ac4;
 };
 
 extern const RotateRunKernels kRotateRunsPortable;
 extern const RotateRunKernels kRotateRunsAVX2;
+extern const RotateRunKernels kRotateRunsAVX512;
 
 inline const RotateRunKernels& RotateRuns() {
   static const RotateRunKernels* const slots[kVariantCount] = {&kRotateRunsPortable, nullptr, nullptr, &kRotateRunsAVX2,
-                                                               nullptr};
+                                                               &kRotateRunsAVX512};
   return PickVariant(slots);
 }
 

@@ -6,7 +6,7 @@
 // guarantees exists), the bilinear blend in float in the portable order.
 #include <immintrin.h>
 
-#include "primitives/RotateSampling.h"
+#include "primitives/RotateCubicBody.h"
 
 namespace kestrelink::rotate {
 namespace {
@@ -182,8 +182,56 @@ void Linear8AC4(const Warp& w, double uRow, double vRow, int a, int b, void* dst
   Tail<uint8_t, 4, 3, Kind::kLinear>(w, uRow, vRow, X, b, d);
 }
 
+// Eight lanes for the cubic run body; one-sample pixels and 8-bit AC4 (whose
+// fourth sample is read back and kept) are stored as vectors.
+struct Lanes8 {
+  static constexpr int kLanes = 8;
+  using I = __m256i;
+  using F = __m256;
+  static F Splat(float v) { return _mm256_set1_ps(v); }
+  static I Splat(int v) { return _mm256_set1_epi32(v); }
+  static I AddI(I a, I b) { return _mm256_add_epi32(a, b); }
+  static void Taps(const Warp& w, double uRow, double vRow, int X, I& iu, I& iv, F& tx, F& ty) {
+    const Points p = PointsAt(w, uRow, vRow, X);
+    iu = Truncate(p.u0, p.u1);
+    iv = Truncate(p.v0, p.v1);
+    tx = Fraction(p.u0, p.u1, iu);
+    ty = Fraction(p.v0, p.v1, iv);
+  }
+  static I Offsets(const Warp& w, I x, I y, int bytes) { return rotate::Offsets(w, x, y, bytes); }
+  static I Gather(const Warp& w, I offsets) { return rotate::Gather(w, offsets); }
+  static F Field(I words, int shift, int mask) { return rotate::Field(words, shift, mask); }
+  static I RoundLimit(F v, float max) { return rotate::RoundLimit(v, max); }
+  template <class T, int C, int W>
+  static void Store(T* d, const I* samples) {
+    if constexpr (C == 1 && sizeof(T) == 1) {
+      StoreLowBytes(d, samples[0]);
+    } else if constexpr (C == 1) {
+      StoreLowWords(d, samples[0]);
+    } else if constexpr (sizeof(T) == 1 && C == 4) {
+      __m256i px = _mm256_and_si256(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(d)),
+                                    _mm256_set1_epi32(int(0xFF000000u)));  // the fourth sample stays
+      for (int c = 0; c < 3; ++c) px = _mm256_or_si256(px, _mm256_slli_epi32(samples[c], 8 * c));
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), px);
+    } else {
+      StorePixels<T, C, W>(d, samples, kLanes);
+    }
+  }
+};
+
 }  // namespace
 
-const RotateRunKernels kRotateRunsAVX2 = {Nearest8C1, Linear8C1, Nearest8AC4, Linear8AC4, Nearest16C1, Linear16C1};
+const RotateRunKernels kRotateRunsAVX2 = {Nearest8C1,
+                                          Linear8C1,
+                                          Nearest8AC4,
+                                          Linear8AC4,
+                                          Nearest16C1,
+                                          Linear16C1,
+                                          CubicRun<Lanes8, uint8_t, 1, 1>,
+                                          CubicRun<Lanes8, uint8_t, 3, 3>,
+                                          CubicRun<Lanes8, uint8_t, 4, 3>,
+                                          CubicRun<Lanes8, uint16_t, 1, 1>,
+                                          CubicRun<Lanes8, uint16_t, 3, 3>,
+                                          CubicRun<Lanes8, uint16_t, 4, 3>};
 
 }  // namespace kestrelink::rotate

@@ -15,8 +15,10 @@ void Run(const Warp& w, double uRow, double vRow, int a, int b, void* dst) {
 
 }  // namespace
 
-const RotateRunKernels kRotateRunsPortable = {Run<uint8_t, 1, 1, Kind::kNearest>,  Run<uint8_t, 1, 1, Kind::kLinear>,
-                                              Run<uint8_t, 4, 3, Kind::kNearest>,  Run<uint8_t, 4, 3, Kind::kLinear>,
-                                              Run<uint16_t, 1, 1, Kind::kNearest>, Run<uint16_t, 1, 1, Kind::kLinear>};
+const RotateRunKernels kRotateRunsPortable = {
+    Run<uint8_t, 1, 1, Kind::kNearest>, Run<uint8_t, 1, 1, Kind::kLinear>,   Run<uint8_t, 4, 3, Kind::kNearest>,
+    Run<uint8_t, 4, 3, Kind::kLinear>,  Run<uint16_t, 1, 1, Kind::kNearest>, Run<uint16_t, 1, 1, Kind::kLinear>,
+    Run<uint8_t, 1, 1, Kind::kCubic>,   Run<uint8_t, 3, 3, Kind::kCubic>,    Run<uint8_t, 4, 3, Kind::kCubic>,
+    Run<uint16_t, 1, 1, Kind::kCubic>,  Run<uint16_t, 3, 3, Kind::kCubic>,   Run<uint16_t, 4, 3, Kind::kCubic>};
 
 }  // namespace kestrelink::rotate

@@ -182,6 +182,8 @@ inline InteriorRun RunFor(const RotateRunKernels& k) {
   if constexpr (sizeof(T) == 1 && C == 4 && W == 3 && K == Kind::kLinear) return k.linear8ac4;
   if constexpr (sizeof(T) == 2 && C == 1 && K == Kind::kNearest) return k.nearest16c1;
   if constexpr (sizeof(T) == 2 && C == 1 && K == Kind::kLinear) return k.linear16c1;
+  if constexpr (K == Kind::kCubic && sizeof(T) == 1) return C == 1 ? k.cubic8c1 : C == 3 ? k.cubic8c3 : k.cubic8ac4;
+  if constexpr (K == Kind::kCubic && sizeof(T) == 2) return C == 1 ? k.cubic16c1 : C == 3 ? k.cubic16c3 : k.cubic16ac4;
   return nullptr;
 }
 

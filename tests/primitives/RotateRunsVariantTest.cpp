@@ -1,7 +1,8 @@
 // The general rotation under every processor variant against the portable
 // rule, byte for byte: interior runs of the vector variants gather whole
 // words and must still give exactly the per-pixel result, the fourth sample
-// of AC4 pixels untouched, at odd sizes, several angles and each kind.
+// of AC4 pixels untouched, at odd sizes, several angles and each kind, for
+// every pixel form.
 #include <gtest/gtest.h>
 
 #include "primitives/RotatePrimitives.h"
@@ -24,31 +25,39 @@ std::vector<uint8_t> Turn(Kernel kernel, kestrelink::CpuVariant v, const std::ve
   return dst;
 }
 
+using Form = std::vector<uint8_t> (*)(kestrelink::CpuVariant, const std::vector<uint8_t>&, int, int, double, int);
+
+template <class T, auto Kernel, int Bytes, bool BottomUp>
+std::vector<uint8_t> TurnForm(kestrelink::CpuVariant v, const std::vector<uint8_t>& src, int w, int h, double angle,
+                              int kind) {
+  return Turn<T>(Kernel, v, src, w, h, Bytes, angle, kind, BottomUp);
+}
+
 TEST(RotateRunsVariants, EveryVariantGivesThePortableBytes) {
   const std::pair<int, int> sizes[] = {{9, 7}, {53, 41}, {130, 67}};
-  for (auto [w, h] : sizes)
-    for (double angle : {0.0, 7.5, -33.0, 90.0, 181.0})
+  // Every form the general path takes, and two read from bottom-up rows.
+  const std::pair<const char*, Form> forms[] = {
+      {"8u C1", TurnForm<Ipp8u, ippiRotate_8u_C1R, 1, false>},
+      {"8u C3", TurnForm<Ipp8u, ippiRotate_8u_C3R, 3, false>},
+      {"8u AC4", TurnForm<Ipp8u, ippiRotate_8u_AC4R, 4, false>},
+      {"16u C1", TurnForm<Ipp16u, ippiRotate_16u_C1R, 2, false>},
+      {"16u C3", TurnForm<Ipp16u, ippiRotate_16u_C3R, 6, false>},
+      {"16u AC4", TurnForm<Ipp16u, ippiRotate_16u_AC4R, 8, false>},
+      {"8u C1 bottom-up", TurnForm<Ipp8u, ippiRotate_8u_C1R, 1, true>},
+      {"16u AC4 bottom-up", TurnForm<Ipp16u, ippiRotate_16u_AC4R, 8, true>},
+  };
+  for (auto [w, h] : sizes) {
+    // Random bytes: 16-bit samples take every value, 65535 included.
+    const auto src = testsupport::RandomBytes(size_t(w) * h * 8, uint32_t(w * h));
+    for (double angle : {0.0, 7.5, -33.0, 90.0, 181.0, 250.25})
       for (int kind : {IPPI_INTER_NN, IPPI_INTER_LINEAR, IPPI_INTER_CUBIC, IPPI_INTER_LINEAR | IPPI_SMOOTH_EDGE})
-        for (bool bottomUp : {false, true}) {
-          SCOPED_TRACE(testing::Message()
-                       << w << "x" << h << " angle " << angle << " kind " << kind << (bottomUp ? " bottom-up" : ""));
-          const auto src8 = testsupport::RandomBytes(size_t(w) * h * 4, uint32_t(w * h + kind));
-          const auto src16 = testsupport::RandomWords(size_t(w) * h, 65536, uint32_t(w + h));
-          const auto want1 =
-              Turn<Ipp8u>(ippiRotate_8u_C1R, kestrelink::kVariantPortable, src8, w, h, 1, angle, kind, bottomUp);
-          const auto want4 =
-              Turn<Ipp8u>(ippiRotate_8u_AC4R, kestrelink::kVariantPortable, src8, w, h, 4, angle, kind, bottomUp);
-          const auto want16 =
-              Turn<Ipp16u>(ippiRotate_16u_C1R, kestrelink::kVariantPortable, src16, w, h, 2, angle, kind, bottomUp);
-          for (auto v : testsupport::RunnableVariants()) {
-            ASSERT_EQ(Turn<Ipp8u>(ippiRotate_8u_C1R, v, src8, w, h, 1, angle, kind, bottomUp), want1)
-                << kestrelink::VariantName(v) << " 8u C1";
-            ASSERT_EQ(Turn<Ipp8u>(ippiRotate_8u_AC4R, v, src8, w, h, 4, angle, kind, bottomUp), want4)
-                << kestrelink::VariantName(v) << " 8u AC4";
-            ASSERT_EQ(Turn<Ipp16u>(ippiRotate_16u_C1R, v, src16, w, h, 2, angle, kind, bottomUp), want16)
-                << kestrelink::VariantName(v) << " 16u C1";
-          }
+        for (const auto& [name, turn] : forms) {
+          SCOPED_TRACE(testing::Message() << name << " " << w << "x" << h << " angle " << angle << " kind " << kind);
+          const auto want = turn(kestrelink::kVariantPortable, src, w, h, angle, kind);
+          for (auto v : testsupport::RunnableVariants())
+            ASSERT_EQ(turn(v, src, w, h, angle, kind), want) << kestrelink::VariantName(v);
         }
+  }
 }
 
 }  // namespace

@@ -35,6 +35,11 @@ inline const Up2RowKernels& Up2Rows() {
   return PickVariant(slots);
 }
 
+// The helpers below are compiled into the portable and the vector files
+// alike, each with its own instruction set, so they have internal linkage:
+// the linker must never hand one file's copy to another.
+namespace {
+
 // One output sample from its near and far source rows (n near, f far) and
 // near and far columns.
 template <class Sample>
@@ -54,6 +59,8 @@ void Up2RowsPortable(const Sample* a, const Sample* b, uint32_t from, uint32_t m
     outB[2 * t + 1] = Up2Sample(b, a, t + 1, t);
   }
 }
+
+}  // namespace
 
 // Whether a resize takes this path: bilinear, both factors exactly 2, no
 // shift, one channel.

@@ -7,19 +7,38 @@
 namespace kestrelink::j2k {
 namespace {
 
-constexpr ptrdiff_t kStride = kMaxBlockSide + 2;
+// A stripe column word. Significance sits at bit 3 * i + c for the six rows
+// i = 0 (the row above the stripe) to 5 (the row below it) and the columns
+// c = 0 (left), 1 (the column itself), 2 (right), so that the neighbourhood
+// of stripe row r is the nine bits at 3 * r:
+//   bit 0 NW, 1 N, 2 NE, 3 W, 4 the coefficient, 5 E, 6 SW, 7 S, 8 SE.
+// Bits 18-21 mark the four rows visited by this plane's significance pass,
+// bits 22-25 the rows refined before, bits 26-31 the signs of the column's
+// six rows (set with the significance).
+constexpr uint32_t kSigAll = 0x3FFFF;
+constexpr uint32_t kNeighbours = 0x1EF;  // the nine bits without the coefficient
+constexpr uint32_t kOwnSigAll = 0x2490;  // the column's own four rows
+constexpr int kVisitShift = 18, kRefinedShift = 22, kSignShift = 26;
+constexpr uint32_t kVisitAll = 0xFu << kVisitShift;
 
-// Per-coefficient flags: significance of the eight neighbours, sign of the
-// four direct ones, then the coefficient's own state.
-constexpr uint32_t kNW = 1u << 0, kN = 1u << 1, kNE = 1u << 2, kW = 1u << 3, kE = 1u << 4, kSW = 1u << 5, kS = 1u << 6,
-                   kSE = 1u << 7;
-constexpr uint32_t kNegN = 1u << 8, kNegS = 1u << 9, kNegW = 1u << 10, kNegE = 1u << 11;
-constexpr uint32_t kSig = 1u << 12, kVisit = 1u << 13, kRefined = 1u << 14;
-constexpr uint32_t kNeighbours = 0xFF;
-constexpr uint32_t kSignBits = 0xFFF;  // the neighbour bits that the sign context reads
+constexpr uint32_t OwnSig(uint32_t r) { return 1u << (4 + 3 * r); }
 
-constexpr int kContextSign = 9;
 constexpr int kContextRefine = 14;
+
+// The column's own significance as four bits, row r at bit r.
+inline uint32_t OwnSigRows(uint32_t word) {
+  return ((word >> 4) & 1) | ((word >> 6) & 2) | ((word >> 8) & 4) | ((word >> 10) & 8);
+}
+
+// The rows with a significant coefficient among their nine (the row's own
+// included), row r at bit r.
+inline uint32_t BusyRows(uint32_t word) {
+  uint32_t any = word | word >> 1 | word >> 2;  // bit 3i: any of row i's three
+  any |= any >> 3 | any >> 6;                   // bit 3r: any of rows r .. r + 2
+  return (any & 1) | ((any >> 2) & 2) | ((any >> 4) & 4) | ((any >> 6) & 8);
+}
+
+inline uint32_t VisitedRows(uint32_t word) { return (word >> kVisitShift) & 0xF; }
 
 // Zero-coding context from h, v and d (significant horizontal, vertical and
 // diagonal neighbours) for the LL and LH bands; HL exchanges h and v.
@@ -38,12 +57,13 @@ constexpr uint8_t ZeroContextDiagonal(int hv, int d) {
   return hv >= 2 ? 2 : hv == 1 ? 1 : 0;
 }
 
-constexpr std::array<uint8_t, 4 * 256> BuildZeroContexts() {
-  std::array<uint8_t, 4 * 256> t{};
+// Per band, by the nine neighbourhood bits (the coefficient's own is ignored).
+constexpr std::array<uint8_t, 4 * 512> BuildZeroContexts() {
+  std::array<uint8_t, 4 * 512> t{};
   for (int band = 0; band < 4; ++band)
-    for (int f = 0; f < 256; ++f) {
-      const int h = !!(f & kW) + !!(f & kE), v = !!(f & kN) + !!(f & kS);
-      const int d = !!(f & kNW) + !!(f & kNE) + !!(f & kSW) + !!(f & kSE);
+    for (int f = 0; f < 512; ++f) {
+      auto bit = [f](int i) { return (f >> i) & 1; };
+      const int h = bit(3) + bit(5), v = bit(1) + bit(7), d = bit(0) + bit(2) + bit(6) + bit(8);
       uint8_t cx = 0;
       if (band == kBandHH)
         cx = ZeroContextDiagonal(h + v, d);
@@ -51,19 +71,20 @@ constexpr std::array<uint8_t, 4 * 256> BuildZeroContexts() {
         cx = ZeroContextHV(v, h, d);
       else
         cx = ZeroContextHV(h, v, d);
-      t[band * 256 + f] = cx;
+      t[band * 512 + f] = cx;
     }
   return t;
 }
 
-// Sign context (low bits) and the bit it is coded against (bit 7), from
-// the direct neighbours' significance and signs.
-constexpr std::array<uint8_t, 4096> BuildSignContexts() {
-  std::array<uint8_t, 4096> t{};
-  for (int f = 0; f < 4096; ++f) {
-    auto contribution = [&](uint32_t sig, uint32_t neg) { return (f & sig) ? ((f & neg) ? -1 : 1) : 0; };
-    int h = contribution(kW, kNegW) + contribution(kE, kNegE);
-    int v = contribution(kN, kNegN) + contribution(kS, kNegS);
+// Sign context (low bits) and the bit it is coded against (bit 7), from the
+// significance and sign of the direct neighbours: bits 0-1 north, 2-3
+// south, 4-5 west, 6-7 east, significance below sign.
+constexpr std::array<uint8_t, 256> BuildSignContexts() {
+  std::array<uint8_t, 256> t{};
+  for (int f = 0; f < 256; ++f) {
+    auto contribution = [f](int at) { return (f >> at) & 1 ? ((f >> (at + 1)) & 1 ? -1 : 1) : 0; };
+    int v = contribution(0) + contribution(2);
+    int h = contribution(4) + contribution(6);
     h = h > 1 ? 1 : h < -1 ? -1 : h;
     v = v > 1 ? 1 : v < -1 ? -1 : v;
     uint8_t flip = 0;
@@ -79,89 +100,115 @@ constexpr std::array<uint8_t, 4096> BuildSignContexts() {
   return t;
 }
 
-constexpr std::array<uint8_t, 4 * 256> kZeroContexts = BuildZeroContexts();
-constexpr std::array<uint8_t, 4096> kSignContexts = BuildSignContexts();
+constexpr std::array<uint8_t, 4 * 512> kZeroContexts = BuildZeroContexts();
+constexpr std::array<uint8_t, 256> kSignContexts = BuildSignContexts();
 
-}  // namespace
-
-// Codes the sign of a coefficient that has just turned significant and
-// tells its eight neighbours.
-__attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, MqContext* contexts, uint32_t* f,
-                                                    uint32_t negative) {
-  const uint8_t sc = kSignContexts[*f & kSignBits];
+// Codes the sign of stripe row r of the column at `p` (whose word is in
+// `word`), which has just turned significant, and tells the neighbours:
+// the columns either side, and the stripes above and below for the
+// stripe's first and last rows.
+__attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, MqContext* contexts, uint32_t* p,
+                                                    uint32_t& word, uint32_t r, uint32_t negative) {
+  const uint32_t n = word >> (3 * r);
+  const uint32_t index = ((n >> 1) & 1) | ((word >> (kSignShift + r)) & 1) << 1 | ((n >> 7) & 1) << 2 |
+                         ((word >> (kSignShift + 2 + r)) & 1) << 3 | ((n >> 3) & 1) << 4 |
+                         ((p[-1] >> (kSignShift + 1 + r)) & 1) << 5 | ((n >> 5) & 1) << 6 |
+                         ((p[1] >> (kSignShift + 1 + r)) & 1) << 7;
+  const uint8_t sc = kSignContexts[index];
   mq.Encode(contexts, sc & 0x1F, negative ^ (sc >> 7));
-  *f |= kSig;
-  f[-kStride - 1] |= kSE;
-  f[-kStride] |= kS | (negative ? kNegS : 0);
-  f[-kStride + 1] |= kSW;
-  f[-1] |= kE | (negative ? kNegE : 0);
-  f[1] |= kW | (negative ? kNegW : 0);
-  f[kStride - 1] |= kNE;
-  f[kStride] |= kN | (negative ? kNegN : 0);
-  f[kStride + 1] |= kNW;
-}
-
-// Codes whether an insignificant coefficient turns significant in this
-// plane, by its neighbours' zero-coding context, and its sign if it does.
-__attribute__((always_inline)) inline void CodeZero(MqEncoder& mq, MqContext* contexts, const uint8_t* zero,
-                                                    uint32_t* f, uint32_t magnitude, uint32_t plane) {
-  const uint32_t bit = (magnitude >> plane) & 1;
-  mq.Encode(contexts, zero[*f & kNeighbours], bit);
-  if (bit) CodeSign(mq, contexts, f, magnitude >> 31);
-}
-
-// A stripe column of four flags, or fewer at the block's foot.
-inline uint32_t ColumnUnion(const uint32_t* f, uint32_t rows) {
-  uint32_t u = f[0];
-  for (uint32_t r = 1; r < rows; ++r) u |= f[r * kStride];
-  return u;
-}
-
-// Calls body(flags, magnitudes, rows) for each stripe column, the top
-// stripe first and left to right within it; rows is 4 but at the foot.
-template <class Body>
-__attribute__((always_inline)) inline void ForEachStripeColumn(uint32_t* flags, const uint32_t* magnitudes, uint32_t w,
-                                                               uint32_t h, Body&& body) {
-  for (uint32_t y0 = 0; y0 < h; y0 += 4) {
-    const uint32_t rows = y0 + 4 < h ? 4 : h - y0;
-    uint32_t* column = &flags[(y0 + 1) * kStride + 1];
-    const uint32_t* mags = &magnitudes[y0 * kMaxBlockSide];
-    for (uint32_t x = 0; x < w; ++x) body(column + x, mags + x, rows);
+  word |= OwnSig(r) | negative << (kSignShift + 1 + r);
+  p[-1] |= 1u << (5 + 3 * r);
+  p[1] |= 1u << (3 + 3 * r);
+  if (r == 0) {
+    uint32_t* up = p - kColumnWords;
+    up[-1] |= 1u << 17;
+    up[0] |= 1u << 16 | negative << 31;
+    up[1] |= 1u << 15;
+  } else if (r == 3) {
+    uint32_t* down = p + kColumnWords;
+    down[-1] |= 1u << 2;
+    down[0] |= 1u << 1 | negative << kSignShift;
+    down[1] |= 1u << 0;
   }
 }
+
+// Codes whether insignificant stripe row r turns significant in this plane,
+// by its neighbours' zero-coding context, and its sign if it does;
+// answers whether it did.
+__attribute__((always_inline)) inline uint32_t CodeZero(MqEncoder& mq, MqContext* contexts, const uint8_t* zero,
+                                                    uint32_t* p, uint32_t& word, uint32_t r, uint32_t magnitude,
+                                                    uint32_t plane) {
+  const uint32_t bit = (magnitude >> plane) & 1;
+  mq.Encode(contexts, zero[(word >> (3 * r)) & 0x1FF], bit);
+  if (bit) CodeSign(mq, contexts, p, word, r, magnitude >> 31);
+  return bit;
+}
+
+// Calls body(columns, magnitudes, rows) for each stripe, top first; columns
+// points at the stripe's first column word, magnitudes at its first
+// column's four; rows is 4 but at the foot.
+template <class Body>
+__attribute__((always_inline)) inline void ForEachStripe(uint32_t* columns, const uint32_t* magnitudes, uint32_t h,
+                                                         Body&& body) {
+  for (uint32_t y0 = 0, s = 0; y0 < h; y0 += 4, ++s) {
+    const uint32_t rows = y0 + 4 < h ? 4 : h - y0;
+    body(columns + (s + 1) * kColumnWords + 1, magnitudes + s * kMaxBlockSide * 4, rows);
+  }
+}
+
+}  // namespace
 
 void CodeBlockCoder::SignificancePass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
   const uint8_t* const zero = m_zeroContexts;
-  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
-    // Nothing to code where no coefficient of the column has a significant neighbour.
-    if (!(ColumnUnion(column, rows) & kNeighbours)) return;
-    for (uint32_t r = 0; r < rows; ++r) {
-      uint32_t* f = column + r * kStride;
-      if ((*f & kSig) || !(*f & kNeighbours)) continue;
-      CodeZero(mq, contexts, zero, f, mags[r * kMaxBlockSide], plane);
-      *f |= kVisit;
+  const uint32_t w = m_width;
+  ForEachStripe(m_columns, m_magnitudes, m_height, [&](uint32_t* p, const uint32_t* mags, uint32_t rows) {
+    const uint32_t rowMask = (1u << rows) - 1;
+    for (uint32_t x = 0; x < w; ++x, ++p, mags += 4) {
+      uint32_t word = *p;
+      // Nothing to code where no coefficient of the column or its
+      // neighbourhood is significant.
+      if (!(word & kSigAll)) continue;
+      // Insignificant rows with a significant neighbour; a row that turns
+      // significant gives the row below one.
+      uint32_t todo = BusyRows(word) & ~OwnSigRows(word) & rowMask;
+      while (todo) {
+        const uint32_t r = uint32_t(__builtin_ctz(todo));
+        todo &= todo - 1;
+        const uint32_t turned = CodeZero(mq, contexts, zero, p, word, r, mags[r], plane);
+        word |= 1u << (kVisitShift + r);
+        if (turned) todo |= (2u << r) & rowMask & ~OwnSigRows(word);
+      }
+      *p = word;
     }
-  };
-  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
+  });
   m_mq = mq;
 }
 
 void CodeBlockCoder::RefinementPass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
-  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
-    if (!(ColumnUnion(column, rows) & kSig)) return;
-    for (uint32_t r = 0; r < rows; ++r) {
-      uint32_t* f = column + r * kStride;
-      if ((*f & (kSig | kVisit)) != kSig) continue;
-      const int cx = (*f & kRefined) ? kContextRefine + 2 : (*f & kNeighbours) ? kContextRefine + 1 : kContextRefine;
-      mq.Encode(contexts, cx, (mags[r * kMaxBlockSide] >> plane) & 1);
-      *f |= kRefined;
+  const uint32_t w = m_width;
+  ForEachStripe(m_columns, m_magnitudes, m_height, [&](uint32_t* p, const uint32_t* mags, uint32_t) {
+    for (uint32_t x = 0; x < w; ++x, ++p, mags += 4) {
+      uint32_t word = *p;
+      // Significant before this plane: significant and not just visited.
+      uint32_t todo = OwnSigRows(word) & ~VisitedRows(word);
+      if (!todo) continue;
+      do {
+        const uint32_t r = uint32_t(__builtin_ctz(todo));
+        todo &= todo - 1;
+        const uint32_t refined = 1u << (kRefinedShift + r);
+        const int cx = (word & refined)                       ? kContextRefine + 2
+                       : ((word >> (3 * r)) & kNeighbours) != 0 ? kContextRefine + 1
+                                                               : kContextRefine;
+        mq.Encode(contexts, cx, (mags[r] >> plane) & 1);
+        word |= refined;
+      } while (todo);
+      *p = word;
     }
-  };
-  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
+  });
   m_mq = mq;
 }
 
@@ -169,29 +216,32 @@ void CodeBlockCoder::CleanupPass(uint32_t plane) {
   MqEncoder mq = m_mq;
   MqContext* const contexts = m_contexts;
   const uint8_t* const zero = m_zeroContexts;
-  constexpr uint32_t kBusy = kNeighbours | kSig | kVisit;
-  const auto code = [&](uint32_t* column, const uint32_t* mags, uint32_t rows) {
-    uint32_t r = 0;
-    if (rows == 4 && !(ColumnUnion(column, 4) & kBusy)) {
-      // Run mode: one symbol says whether any of the four turns significant.
-      while (r < 4 && !((mags[r * kMaxBlockSide] >> plane) & 1)) ++r;
-      if (r == 4) {
-        mq.Encode(contexts, kContextRunLength, 0);
-        return;
+  const uint32_t w = m_width;
+  ForEachStripe(m_columns, m_magnitudes, m_height, [&](uint32_t* p, const uint32_t* mags, uint32_t rows) {
+    const uint32_t rowMask = (1u << rows) - 1;
+    for (uint32_t x = 0; x < w; ++x, ++p, mags += 4) {
+      uint32_t word = *p;
+      uint32_t r = 0;
+      if (rows == 4 && !(word & (kSigAll | kVisitAll))) {
+        // Run mode: one symbol says whether any of the four turns significant.
+        if (!(((mags[0] | mags[1] | mags[2] | mags[3]) >> plane) & 1)) {
+          mq.Encode(contexts, kContextRunLength, 0);
+          continue;
+        }
+        while (!((mags[r] >> plane) & 1)) ++r;
+        mq.Encode(contexts, kContextRunLength, 1);
+        mq.Encode(contexts, kContextUniform, r >> 1);
+        mq.Encode(contexts, kContextUniform, r & 1);
+        CodeSign(mq, contexts, p, word, r, mags[r] >> 31);
+        ++r;
       }
-      mq.Encode(contexts, kContextRunLength, 1);
-      mq.Encode(contexts, kContextUniform, r >> 1);
-      mq.Encode(contexts, kContextUniform, r & 1);
-      CodeSign(mq, contexts, column + r * kStride, mags[r * kMaxBlockSide] >> 31);
-      ++r;
+      for (uint32_t todo = ~(OwnSigRows(word) | VisitedRows(word)) & rowMask & (0xFu << r); todo; todo &= todo - 1) {
+        const uint32_t row = uint32_t(__builtin_ctz(todo));
+        CodeZero(mq, contexts, zero, p, word, row, mags[row], plane);
+      }
+      *p = word & ~kVisitAll;
     }
-    for (; r < rows; ++r) {
-      uint32_t* f = column + r * kStride;
-      if (!(*f & (kSig | kVisit))) CodeZero(mq, contexts, zero, f, mags[r * kMaxBlockSide], plane);
-      *f &= ~kVisit;
-    }
-  };
-  ForEachStripeColumn(m_flags, m_magnitudes, m_width, m_height, code);
+  });
   m_mq = mq;
 }
 
@@ -199,24 +249,27 @@ CodedBlock CodeBlockCoder::Encode(const int32_t* coefficients, size_t stride, ui
                                   BandOrientation band, uint8_t* out) {
   m_width = w;
   m_height = h;
-  m_zeroContexts = &kZeroContexts[band * 256];
+  m_zeroContexts = &kZeroContexts[band * 512];
+  const uint32_t stripes = (h + 3) / 4;
+  // Rows past the foot of a short last stripe stay 0.
+  if (h % 4) std::memset(&m_magnitudes[(stripes - 1) * kMaxBlockSide * 4], 0, sizeof(uint32_t) * kMaxBlockSide * 4);
   // Sign in bit 31, magnitude below; the largest magnitude sets the planes.
   uint32_t all = 0;
   for (uint32_t y = 0; y < h; ++y) {
     const int32_t* row = coefficients + y * stride;
-    uint32_t* mags = &m_magnitudes[y * kMaxBlockSide];
+    uint32_t* mags = &m_magnitudes[(y / 4) * kMaxBlockSide * 4 + y % 4];
     for (uint32_t x = 0; x < w; ++x) {
       const int32_t v = row[x];
       const uint32_t m = uint32_t(v < 0 ? -int64_t(v) : v);
       all |= m;
-      mags[x] = m | (uint32_t(v) & 0x80000000u);
+      mags[4 * x] = m | (uint32_t(v) & 0x80000000u);
     }
   }
   CodedBlock result;
   all &= 0x7FFFFFFFu;
   if (all == 0) return result;
   result.planes = 32 - __builtin_clz(all);
-  std::memset(m_flags, 0, sizeof(uint32_t) * size_t(kStride) * (h + 2));
+  std::memset(m_columns, 0, sizeof(uint32_t) * kColumnWords * (stripes + 2));
   m_mq.Start(out);
   ResetMqContexts(m_contexts);
   int plane = int(result.planes) - 1;

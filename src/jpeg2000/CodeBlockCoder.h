@@ -4,6 +4,13 @@
 // significance propagation, magnitude refinement and cleanup passes on each
 // plane below, in stripes of four rows, through one MQ coder terminated
 // once at the end.
+//
+// The state is one word per stripe column: the significance of the column
+// and of its left and right neighbours over the six rows from the one above
+// the stripe to the one below it, the visited and refined marks of its four
+// rows, and the signs of its six rows. A coefficient's eight neighbours are
+// then nine bits of the word at a shift of three bits per row, and a
+// context is one table lookup on them.
 #include <cstddef>
 #include <cstdint>
 
@@ -15,6 +22,9 @@ namespace kestrelink::j2k {
 enum BandOrientation : uint8_t { kBandLL = 0, kBandHL = 1, kBandLH = 2, kBandHH = 3 };
 
 inline constexpr uint32_t kMaxBlockSide = 64;
+inline constexpr uint32_t kMaxStripes = kMaxBlockSide / 4;
+// Stripe column words a stripe: a border word on each side.
+inline constexpr uint32_t kColumnWords = kMaxBlockSide + 2;
 
 struct CodedBlock {
   uint32_t planes = 0;  // magnitude bit-planes, 0 for an all-zero block
@@ -43,9 +53,12 @@ class CodeBlockCoder {
   const uint8_t* m_zeroContexts = nullptr;
   MqEncoder m_mq;
   MqContext m_contexts[kContextCount];
-  // Magnitudes row by row; flags with a border of one cell on every side.
+  // Sign (bit 31) and magnitude of each coefficient, stripe by stripe, the
+  // four rows of a stripe column side by side; rows past the foot are 0.
   uint32_t m_magnitudes[kMaxBlockSide * kMaxBlockSide];
-  uint32_t m_flags[(kMaxBlockSide + 2) * (kMaxBlockSide + 2)];
+  // Stripe column words with a border stripe above and below and a border
+  // column left and right.
+  uint32_t m_columns[(kMaxStripes + 2) * kColumnWords];
 };
 
 }  // namespace kestrelink::j2k

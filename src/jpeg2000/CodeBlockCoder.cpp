@@ -199,12 +199,12 @@ void CodeBlockCoder::RefinementPass(uint32_t plane) {
       do {
         const uint32_t r = uint32_t(__builtin_ctz(todo));
         todo &= todo - 1;
-        const uint32_t refined = 1u << (kRefinedShift + r);
-        const int cx = (word & refined)                       ? kContextRefine + 2
-                       : ((word >> (3 * r)) & kNeighbours) != 0 ? kContextRefine + 1
-                                                               : kContextRefine;
-        mq.Encode(contexts, cx, (mags[r] >> plane) & 1);
-        word |= refined;
+        // Refined before: the third context; else the second where a
+        // neighbour is significant.
+        const uint32_t refined = (word >> (kRefinedShift + r)) & 1;
+        const uint32_t busy = ((word >> (3 * r)) & kNeighbours) != 0;
+        mq.Encode(contexts, int(kContextRefine + 2 * refined + (busy & (refined ^ 1))), (mags[r] >> plane) & 1);
+        word |= 1u << (kRefinedShift + r);
       } while (todo);
       *p = word;
     }

@@ -41,20 +41,24 @@ class MqEncoder {
     m_start = out + 1;
   }
 
-  // The choices between the symbol's two sub-intervals are selects rather
-  // than branches: which symbol comes is what the data makes unpredictable.
+  // The choices between the symbol's two sub-intervals are masks rather
+  // than branches: which symbol comes is what the data makes unpredictable
+  // (the compiler turns plain selects on it back into jumps).
   void Encode(MqContext* contexts, int context, uint32_t bit) {
     MqContext& cx = contexts[context];
     const MqContext state = cx;
     const uint32_t qe = state & 0xFFFF;
-    const uint32_t a = m_a - qe;
-    const bool mps = bit == ((state >> 16) & 1);
-    const bool stays = mps && (a & 0x8000);  // no renormalisation, no state change
-    const bool upper = stays || (mps != (a < qe));  // the code register moves past Qe
-    m_c += upper ? qe : 0;
-    m_a = upper ? a : qe;
-    const MqContext next = kMqStates[mps ? (state >> 17) & 0x7F : state >> 24];
-    cx = stays ? state : next;
+    const uint32_t a = m_a - qe;  // A is at least 0x8000, Qe below it
+    const uint32_t lps = bit ^ ((state >> 16) & 1);
+    // The code register moves past Qe for a most probable symbol whose
+    // interval stays the larger, and for a least probable one whose does not.
+    const uint32_t upper = 0u - (lps ^ uint32_t(a >= qe));
+    m_c += qe & upper;
+    m_a = (a & upper) | (qe & ~upper);
+    // A most probable symbol that leaves A at 0x8000 or more changes nothing.
+    const uint32_t stays = 0u - ((a >> 15) & (lps ^ 1));
+    const MqContext next = kMqStates[(state >> (17 + 7 * lps)) & 0x7F];
+    cx = next ^ ((next ^ state) & stays);
     int shift = __builtin_clz(m_a) - 16;
     if (__builtin_expect(shift >= m_ct, 0)) {
       do {

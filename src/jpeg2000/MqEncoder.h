@@ -17,13 +17,18 @@ inline constexpr int kContextUniform = 18;
 inline constexpr int kContextCount = 19;
 
 // A context holds its whole state in one word, so that coding a symbol
-// needs one load of it: Qe in bits 0-15, the sense of the most probable
-// symbol in bit 16, and the indices (into kMqStates) of the states after a
-// most probable and a least probable symbol in bits 17-23 and 24-30.
+// needs one load of it: Qe in bits 0-15 and, from bit 18, the index of the
+// state and sense (2 * state + sense, so the sense of the most probable
+// symbol is bit 18).
 using MqContext = uint32_t;
 
-// Every state and sense, index = 2 * state + sense.
+// Every state and sense, by index.
 extern const std::array<MqContext, 94> kMqStates;
+
+// The word after a symbol, at 4 * index + 2 * (least probable) + (the
+// interval was renormalised): the same state for a most probable symbol
+// that leaves the interval at 0x8000 or more, the next one otherwise.
+extern const std::array<MqContext, 4 * 94> kMqTransitions;
 
 // Contexts start in state 0, except the all-insignificant zero context
 // (state 4), the run-length context (state 3) and the uniform context (46).
@@ -49,16 +54,13 @@ class MqEncoder {
     const MqContext state = cx;
     const uint32_t qe = state & 0xFFFF;
     const uint32_t a = m_a - qe;  // A is at least 0x8000, Qe below it
-    const uint32_t lps = bit ^ ((state >> 16) & 1);
+    const uint32_t lps = bit ^ ((state >> 18) & 1);
     // The code register moves past Qe for a most probable symbol whose
     // interval stays the larger, and for a least probable one whose does not.
     const uint32_t upper = 0u - (lps ^ uint32_t(a >= qe));
     m_c += qe & upper;
-    m_a = (a & upper) | (qe & ~upper);
-    // A most probable symbol that leaves A at 0x8000 or more changes nothing.
-    const uint32_t stays = 0u - ((a >> 15) & (lps ^ 1));
-    const MqContext next = kMqStates[(state >> (17 + 7 * lps)) & 0x7F];
-    cx = next ^ ((next ^ state) & stays);
+    m_a = qe ^ ((a ^ qe) & upper);
+    cx = kMqTransitions[(state >> 16) | lps << 1 | ((a >> 15) ^ 1)];
     int shift = __builtin_clz(m_a) - 16;
     if (__builtin_expect(shift >= m_ct, 0)) {
       do {

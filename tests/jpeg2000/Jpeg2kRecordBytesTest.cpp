@@ -25,16 +25,6 @@ uint64_t Fnv1a(const std::vector<uint8_t>& bytes) {
   return h;
 }
 
-std::vector<uint8_t> Record(Frame& f) {
-  CIppImageWrapper wrapper;
-  wrapper.InitJPeg2KConverter(f.width, f.height, 0, 0, f.format);
-  std::vector<uint8_t> out(size_t(f.width) * f.height * 8 + 4096);
-  EXPECT_TRUE(wrapper.EncodeJpeg2K(f.Plane(0), f.Plane(1), f.Plane(2), out.data()));
-  const uint32_t count = uint32_t(out[0]) | uint32_t(out[1]) << 8 | uint32_t(out[2]) << 16 | uint32_t(out[3]) << 24;
-  out.resize(size_t(count) + 4);
-  return out;
-}
-
 enum Pattern { kGradient, kNoise, kSpikes, kChecker };
 
 Frame PatternFrame(uint32_t format, uint32_t w, uint32_t h, Pattern pattern) {

@@ -77,14 +77,15 @@ constexpr std::array<uint8_t, 4 * 512> BuildZeroContexts() {
 }
 
 // Sign context (low bits) and the bit it is coded against (bit 7), from the
-// significance and sign of the direct neighbours: bits 0-1 north, 2-3
-// south, 4-5 west, 6-7 east, significance below sign.
-constexpr std::array<uint8_t, 256> BuildSignContexts() {
-  std::array<uint8_t, 256> t{};
-  for (int f = 0; f < 256; ++f) {
-    auto contribution = [f](int at) { return (f >> at) & 1 ? ((f >> (at + 1)) & 1 ? -1 : 1) : 0; };
-    int v = contribution(0) + contribution(2);
-    int h = contribution(4) + contribution(6);
+// significance of the direct neighbours where the neighbourhood bits hold
+// it (1 north, 3 west, 5 east, 7 south) and their signs in bits 8 (north),
+// 9 (west), 10 (south) and 11 (east).
+constexpr std::array<uint8_t, 4096> BuildSignContexts() {
+  std::array<uint8_t, 4096> t{};
+  for (int f = 0; f < 4096; ++f) {
+    auto contribution = [f](int sig, int neg) { return (f >> sig) & 1 ? ((f >> neg) & 1 ? -1 : 1) : 0; };
+    int v = contribution(1, 8) + contribution(7, 10);
+    int h = contribution(3, 9) + contribution(5, 11);
     h = h > 1 ? 1 : h < -1 ? -1 : h;
     v = v > 1 ? 1 : v < -1 ? -1 : v;
     uint8_t flip = 0;
@@ -101,7 +102,7 @@ constexpr std::array<uint8_t, 256> BuildSignContexts() {
 }
 
 constexpr std::array<uint8_t, 4 * 512> kZeroContexts = BuildZeroContexts();
-constexpr std::array<uint8_t, 256> kSignContexts = BuildSignContexts();
+constexpr std::array<uint8_t, 4096> kSignContexts = BuildSignContexts();
 
 // Codes the sign of stripe row r of the column at `p` (whose word is in
 // `word`), which has just turned significant, and tells the neighbours:
@@ -110,10 +111,8 @@ constexpr std::array<uint8_t, 256> kSignContexts = BuildSignContexts();
 __attribute__((always_inline)) inline void CodeSign(MqEncoder& mq, MqContext* contexts, uint32_t* p,
                                                     uint32_t& word, uint32_t r, uint32_t negative) {
   const uint32_t n = word >> (3 * r);
-  const uint32_t index = ((n >> 1) & 1) | ((word >> (kSignShift + r)) & 1) << 1 | ((n >> 7) & 1) << 2 |
-                         ((word >> (kSignShift + 2 + r)) & 1) << 3 | ((n >> 3) & 1) << 4 |
-                         ((p[-1] >> (kSignShift + 1 + r)) & 1) << 5 | ((n >> 5) & 1) << 6 |
-                         ((p[1] >> (kSignShift + 1 + r)) & 1) << 7;
+  const uint32_t index = (n & 0xAA) | ((word >> (kSignShift + r)) & 5) << 8 |
+                         ((p[-1] >> (kSignShift + 1 + r)) & 1) << 9 | ((p[1] >> (kSignShift + 1 + r)) & 1) << 11;
   const uint8_t sc = kSignContexts[index];
   mq.Encode(contexts, sc & 0x1F, negative ^ (sc >> 7));
   word |= OwnSig(r) | negative << (kSignShift + 1 + r);

@@ -32,33 +32,42 @@ struct CodedBlock {
   size_t bytes = 0;
 };
 
+// The coder's working state: the block's coefficients as signs and
+// magnitudes, the stripe column words and the MQ coder with its contexts.
+struct BlockCoderState {
+  uint32_t width = 0, height = 0;
+  const uint8_t* zeroContexts = nullptr;
+  MqEncoder mq;
+  MqContext contexts[kContextCount];
+  // Sign (bit 31) and magnitude of each coefficient, stripe by stripe, the
+  // four rows of a stripe column side by side; rows past the foot are 0.
+  uint32_t magnitudes[kMaxBlockSide * kMaxBlockSide];
+  // Stripe column words with a border stripe above and below and a border
+  // column left and right.
+  uint32_t columns[(kMaxStripes + 2) * kColumnWords];
+};
+
+// One variant of the coder, built for its instruction set.
+struct BlockEncoder {
+  CodedBlock (*encode)(BlockCoderState& state, const int32_t* coefficients, size_t stride, uint32_t w, uint32_t h,
+                       BandOrientation band, uint8_t* out);
+};
+extern const BlockEncoder kBlockEncoderPortable;
+extern const BlockEncoder kBlockEncoderAVX2;
+
 class CodeBlockCoder {
  public:
   // Worst-case bytes for a block of `samples` coefficients with up to 31 planes.
   static size_t OutputBound(size_t samples) { return samples * 31 * 4 + 64; }
 
   // Codes the w by h coefficients at `coefficients` (rows `stride` apart,
-  // w and h at most 64) into out + 1 (out[0] is the coder's leading byte).
+  // w and h at most 64) into out + 1 (out[0] is the coder's leading byte),
+  // with the active variant.
   CodedBlock Encode(const int32_t* coefficients, size_t stride, uint32_t w, uint32_t h, BandOrientation band,
                     uint8_t* out);
 
  private:
-  // Each pass works on a copy of the coder's registers, kept in machine
-  // registers, and hands it back at the end.
-  void CleanupPass(uint32_t plane);
-  void SignificancePass(uint32_t plane);
-  void RefinementPass(uint32_t plane);
-
-  uint32_t m_width = 0, m_height = 0;
-  const uint8_t* m_zeroContexts = nullptr;
-  MqEncoder m_mq;
-  MqContext m_contexts[kContextCount];
-  // Sign (bit 31) and magnitude of each coefficient, stripe by stripe, the
-  // four rows of a stripe column side by side; rows past the foot are 0.
-  uint32_t m_magnitudes[kMaxBlockSide * kMaxBlockSide];
-  // Stripe column words with a border stripe above and below and a border
-  // column left and right.
-  uint32_t m_columns[(kMaxStripes + 2) * kColumnWords];
+  BlockCoderState m_state;
 };
 
 }  // namespace kestrelink::j2k

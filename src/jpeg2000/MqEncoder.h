@@ -6,6 +6,8 @@
 //
 // The coder's registers are a small value with no arrays, so that a pass
 // can hold a copy in machine registers; the 19 context states live apart.
+// Its steps are always inlined: the code-block coder is built once per
+// instruction set, and no unit may call another's copy.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -37,7 +39,7 @@ void ResetMqContexts(MqContext (&contexts)[kContextCount]);
 class MqEncoder {
  public:
   // out must hold the byte before it (written as 0) and every byte coded.
-  void Start(uint8_t* out) {
+  __attribute__((always_inline)) void Start(uint8_t* out) {
     m_a = 0x8000;
     m_c = 0;
     m_ct = 12;
@@ -49,7 +51,7 @@ class MqEncoder {
   // The choices between the symbol's two sub-intervals are masks rather
   // than branches: which symbol comes is what the data makes unpredictable
   // (the compiler turns plain selects on it back into jumps).
-  void Encode(MqContext* contexts, int context, uint32_t bit) {
+  __attribute__((always_inline)) void Encode(MqContext* contexts, int context, uint32_t bit) {
     MqContext& cx = contexts[context];
     const MqContext state = cx;
     const uint32_t qe = state & 0xFFFF;
@@ -79,7 +81,7 @@ class MqEncoder {
   size_t Finish();
 
  private:
-  void ByteOut() {
+  __attribute__((always_inline)) void ByteOut() {
     if (*m_bp == 0xFF) {
       *++m_bp = uint8_t(m_c >> 20);
       m_c &= 0xFFFFF;

@@ -14,7 +14,6 @@
 namespace kestrelink::j2k {
 namespace {
 
-
 // A stripe column word. Significance sits at bit 3 * i + c for the six rows
 // i = 0 (the row above the stripe) to 5 (the row below it) and the columns
 // c = 0 (left), 1 (the column itself), 2 (right), so that the neighbourhood
@@ -25,7 +24,6 @@ namespace {
 // six rows (set with the significance).
 constexpr uint32_t kSigAll = 0x3FFFF;
 constexpr uint32_t kNeighbours = 0x1EF;  // the nine bits without the coefficient
-constexpr uint32_t kOwnSigAll = 0x2490;  // the column's own four rows
 constexpr int kVisitShift = 18, kRefinedShift = 22, kSignShift = 26;
 constexpr uint32_t kVisitAll = 0xFu << kVisitShift;
 

@@ -31,19 +31,28 @@ namespace {
 
 std::array<MqContext, 94> BuildMqStates() {
   std::array<MqContext, 94> states{};
+  for (uint32_t i = 0; i < 94; ++i) states[i] = kTable[i / 2].qe | i << 18;
+  return states;
+}
+
+std::array<MqContext, 4 * 94> BuildMqTransitions(const std::array<MqContext, 94>& states) {
+  std::array<MqContext, 4 * 94> next{};
   for (uint32_t s = 0; s < 47; ++s)
     for (uint32_t mps = 0; mps < 2; ++mps) {
       const Row& r = kTable[s];
+      const uint32_t i = 2 * s + mps;
       const uint32_t lpsSense = r.swap ? 1 - mps : mps;
-      const uint32_t nextMps = 2 * r.nmps + mps, nextLps = 2 * r.nlps + lpsSense;
-      states[2 * s + mps] = r.qe | mps << 16 | nextMps << 17 | nextLps << 24;
+      next[4 * i + 0] = states[i];
+      next[4 * i + 1] = states[2 * r.nmps + mps];
+      next[4 * i + 2] = next[4 * i + 3] = states[2 * r.nlps + lpsSense];
     }
-  return states;
+  return next;
 }
 
 }  // namespace
 
 const std::array<MqContext, 94> kMqStates = BuildMqStates();
+const std::array<MqContext, 4 * 94> kMqTransitions = BuildMqTransitions(kMqStates);
 
 void ResetMqContexts(MqContext (&contexts)[kContextCount]) {
   for (MqContext& cx : contexts) cx = kMqStates[0];

@@ -6,6 +6,8 @@
 //
 // The coder's registers are a small value with no arrays, so that a pass
 // can hold a copy in machine registers; the 19 context states live apart.
+// Its steps are always inlined: the code-block coder is built once per
+// instruction set, and no unit may call another's copy.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -17,13 +19,18 @@ inline constexpr int kContextUniform = 18;
 inline constexpr int kContextCount = 19;
 
 // A context holds its whole state in one word, so that coding a symbol
-// needs one load of it: Qe in bits 0-15, the sense of the most probable
-// symbol in bit 16, and the indices (into kMqStates) of the states after a
-// most probable and a least probable symbol in bits 17-23 and 24-30.
+// needs one load of it: Qe in bits 0-15 and, from bit 18, the index of the
+// state and sense (2 * state + sense, so the sense of the most probable
+// symbol is bit 18).
 using MqContext = uint32_t;
 
-// Every state and sense, index = 2 * state + sense.
+// Every state and sense, by index.
 extern const std::array<MqContext, 94> kMqStates;
+
+// The word after a symbol, at 4 * index + 2 * (least probable) + (the
+// interval was renormalised): the same state for a most probable symbol
+// that leaves the interval at 0x8000 or more, the next one otherwise.
+extern const std::array<MqContext, 4 * 94> kMqTransitions;
 
 // Contexts start in state 0, except the all-insignificant zero context
 // (state 4), the run-length context (state 3) and the uniform context (46).
@@ -32,7 +39,7 @@ void ResetMqContexts(MqContext (&contexts)[kContextCount]);
 class MqEncoder {
  public:
   // out must hold the byte before it (written as 0) and every byte coded.
-  void Start(uint8_t* out) {
+  __attribute__((always_inline)) void Start(uint8_t* out) {
     m_a = 0x8000;
     m_c = 0;
     m_ct = 12;
@@ -41,20 +48,21 @@ class MqEncoder {
     m_start = out + 1;
   }
 
-  // The choices between the symbol's two sub-intervals are selects rather
-  // than branches: which symbol comes is what the data makes unpredictable.
-  void Encode(MqContext* contexts, int context, uint32_t bit) {
+  // The choices between the symbol's two sub-intervals are masks rather
+  // than branches: which symbol comes is what the data makes unpredictable
+  // (the compiler turns plain selects on it back into jumps).
+  __attribute__((always_inline)) void Encode(MqContext* contexts, int context, uint32_t bit) {
     MqContext& cx = contexts[context];
     const MqContext state = cx;
     const uint32_t qe = state & 0xFFFF;
-    const uint32_t a = m_a - qe;
-    const bool mps = bit == ((state >> 16) & 1);
-    const bool stays = mps && (a & 0x8000);  // no renormalisation, no state change
-    const bool upper = stays || (mps != (a < qe));  // the code register moves past Qe
-    m_c += upper ? qe : 0;
-    m_a = upper ? a : qe;
-    const MqContext next = kMqStates[mps ? (state >> 17) & 0x7F : state >> 24];
-    cx = stays ? state : next;
+    const uint32_t a = m_a - qe;  // A is at least 0x8000, Qe below it
+    const uint32_t lps = bit ^ ((state >> 18) & 1);
+    // The code register moves past Qe for a most probable symbol whose
+    // interval stays the larger, and for a least probable one whose does not.
+    const uint32_t upper = 0u - (lps ^ uint32_t(a >= qe));
+    m_c += qe & upper;
+    m_a = qe ^ ((a ^ qe) & upper);
+    cx = kMqTransitions[(state >> 16) | lps << 1 | ((a >> 15) ^ 1)];
     int shift = __builtin_clz(m_a) - 16;
     if (__builtin_expect(shift >= m_ct, 0)) {
       do {
@@ -73,7 +81,7 @@ class MqEncoder {
   size_t Finish();
 
  private:
-  void ByteOut() {
+  __attribute__((always_inline)) void ByteOut() {
     if (*m_bp == 0xFF) {
       *++m_bp = uint8_t(m_c >> 20);
       m_c &= 0xFFFFF;

@@ -1,7 +1,9 @@
 #pragma once
 // The second JPEG 2000 peer library: decoding from memory, and a lossless
 // encode with our coding settings to a file (its size is the compressed
-// size). Its thread count is process-wide, set when it is started.
+// size). Its pool of worker threads is process-wide and fixed by the first
+// start: after a restart (deinitialise, initialise) it runs with no workers
+// at all, on the caller's thread, whatever count it is given.
 #include <grok.h>
 
 #include <cstdint>
@@ -13,17 +15,19 @@
 
 namespace j2kpeer {
 
-inline void GrokStart(uint32_t threads) {
-  static uint32_t started = 0;
-  if (started == threads) return;
-  if (started) grk_deinitialize();
-  grk_initialize(nullptr, threads);
-  grk_set_msg_handlers(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-  started = threads;
+// Starts the library with `threads` workers on the first call; later calls
+// keep that pool. Answers the pool's size.
+inline uint32_t GrokStart(uint32_t threads) {
+  static const uint32_t started = [threads] {
+    grk_initialize(nullptr, threads);
+    grk_set_msg_handlers(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    return threads;
+  }();
+  return started;
 }
 
-inline Decoded GrokDecode(const uint8_t* bytes, size_t size, uint32_t threads = 1) {
-  GrokStart(threads);
+inline Decoded GrokDecode(const uint8_t* bytes, size_t size) {
+  GrokStart(1);
   Decoded out;
   std::vector<uint8_t> copy(bytes, bytes + size);
   grk_stream_params stream;
@@ -58,11 +62,12 @@ inline Decoded GrokDecode(const uint8_t* bytes, size_t size, uint32_t threads = 
 }
 
 // Lossless codestream at `path` with 5 levels, 64x64 blocks, one layer,
-// LRCP and the colour transform on three components; answers its size, 0
-// on failure.
+// LRCP and the colour transform on three components, on the pool that
+// GrokStart set up (one worker unless started otherwise); answers its size,
+// 0 on failure.
 inline size_t GrokEncodeToFile(const std::vector<const uint8_t*>& planes, uint32_t width, uint32_t height,
-                               const std::string& path, uint32_t threads = 1) {
-  GrokStart(threads);
+                               const std::string& path) {
+  const uint32_t threads = GrokStart(1);
   auto parms = EightBitComponents<grk_image_comp>(planes.size(), width, height);
   grk_image* image =
       grk_image_new(uint16_t(planes.size()), parms.data(), planes.size() == 3 ? GRK_CLRSPC_SRGB : GRK_CLRSPC_GRAY);

@@ -31,16 +31,6 @@ std::vector<uint8_t> WriteFile(Frame& f, const std::string& path) {
   return ReadFile(path);
 }
 
-std::vector<uint8_t> Record(Frame& f) {
-  CIppImageWrapper wrapper;
-  wrapper.InitJPeg2KConverter(f.width, f.height, 0, 0, f.format);
-  std::vector<uint8_t> out(size_t(f.width) * f.height * 8 + 4096);
-  EXPECT_TRUE(wrapper.EncodeJpeg2K(f.Plane(0), f.Plane(1), f.Plane(2), out.data()));
-  const uint32_t count = uint32_t(out[0]) | uint32_t(out[1]) << 8 | uint32_t(out[2]) << 16 | uint32_t(out[3]) << 24;
-  out.resize(size_t(count) + 4);
-  return out;
-}
-
 void Put32(std::vector<uint8_t>& v, uint32_t x) {
   for (int s = 24; s >= 0; s -= 8) v.push_back(uint8_t(x >> s));
 }

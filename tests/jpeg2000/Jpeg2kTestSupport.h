@@ -82,6 +82,18 @@ inline uint32_t Big32(const std::vector<uint8_t>& d, size_t at) {
   return uint32_t(d[at]) << 24 | uint32_t(d[at + 1]) << 16 | uint32_t(d[at + 2]) << 8 | d[at + 3];
 }
 
+// The packet record of a frame, its four-byte count included; empty when
+// the encoder refuses the frame.
+inline std::vector<uint8_t> Record(Frame& f) {
+  CIppImageWrapper wrapper;
+  wrapper.InitJPeg2KConverter(f.width, f.height, 0, 0, f.format);
+  std::vector<uint8_t> out(size_t(f.width) * f.height * 8 + 4096);
+  if (!wrapper.EncodeJpeg2K(f.Plane(0), f.Plane(1), f.Plane(2), out.data())) return {};
+  const uint32_t count = uint32_t(out[0]) | uint32_t(out[1]) << 8 | uint32_t(out[2]) << 16 | uint32_t(out[3]) << 24;
+  out.resize(size_t(count) + 4);
+  return out;
+}
+
 // Offset of the codestream in our JP2 files: after the signature (12), file
 // type (20), header (45) boxes and the codestream box's own 8 bytes.
 inline constexpr size_t kCodestreamOffset = 12 + 20 + 45 + 8;

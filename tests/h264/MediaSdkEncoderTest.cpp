@@ -18,6 +18,7 @@ namespace {
 using mfxtest::DispatchKey;
 using mfxtest::ScopedDispatchKeys;
 using mfxtest::StandinCopy;
+using mfxtest::StandinStream;
 
 constexpr uint32_t kApi13 = 0x0103;
 
@@ -35,22 +36,6 @@ struct Source {
     for (size_t i = 0; i < v.size(); ++i) v[i] = uint8_t(i * 5 + 90 + seed);
   }
 };
-
-std::vector<uint8_t> Bytes(std::initializer_list<int> values) { return std::vector<uint8_t>(values.begin(), values.end()); }
-
-std::vector<uint8_t> Big32(uint32_t value) {
-  return Bytes({int(value >> 24), int(value >> 16 & 255), int(value >> 8 & 255), int(value & 255)});
-}
-
-// The stand-in's stream for frame n (see MfxStandinState.h), without a delimiter.
-std::vector<uint8_t> StandinStream(uint32_t n, bool key, uint32_t lumaSum) {
-  std::vector<uint8_t> s;
-  if (key) s = Bytes({0, 0, 0, 1, 0x67, 'S', 'P', 'S', 0, 0, 0, 1, 0x68, 'P', 'P', 'S'});
-  for (uint8_t b : Bytes({0, 0, 0, 1, key ? 0x65 : 0x41})) s.push_back(b);
-  for (uint8_t b : Big32(n)) s.push_back(b);
-  for (uint8_t b : Big32(lumaSum)) s.push_back(b);
-  return s;
-}
 
 class MediaSdkEncoder : public ::testing::Test {
  protected:

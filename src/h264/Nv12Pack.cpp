@@ -27,43 +27,40 @@ void PackLumaRow(Nv12LumaRow row, const uint8_t* y, const Nv12Frame& f, uint32_t
   row(src, f.width, pad, f.alignedWidth, f.luma + size_t(r) * f.alignedWidth);
 }
 
-}  // namespace
-
 // Luma rows 0 .. h-1 and then the H / 2 chroma rows make one run of rows of
-// W bytes each, shared out over the team in one parallel loop. Luma rows h
-// .. H-1 are not written: they keep their earlier value.
-void PackNv12Planar(const uint8_t* y, const uint8_t* u, const uint8_t* v, const Nv12Frame& f) {
-  const uint32_t chromaRows = f.alignedHeight / 2, sourcePairs = f.width / 2, pairs = f.alignedWidth / 2;
+// W bytes each, shared out over the team in one parallel loop; chroma(k,
+// stream, c, out) writes chroma row c. Luma rows h .. H-1 are not written:
+// they keep their earlier value.
+template <class ChromaRow>
+void PackPlanes(const uint8_t* y, const Nv12Frame& f, ChromaRow chroma) {
   const bool stream = StreamPlanes(f);
   const Nv12RowKernels& k = Nv12Rows();
   const Nv12LumaRow luma = stream ? k.lumaStream : k.luma;
-  const Nv12ChromaRow chroma = stream ? k.chromaStream : k.chroma;
-  ForEachRow(f.height + chromaRows, false, [&](uint32_t r, uint32_t) {
+  ForEachRow(f.height + f.alignedHeight / 2, false, [&](uint32_t r, uint32_t) {
     if (r < f.height) {
       PackLumaRow(luma, y, f, r);
     } else {
       const size_t c = r - f.height;
-      chroma(u + c * sourcePairs, v + c * sourcePairs, sourcePairs, pairs, f.chroma + c * f.alignedWidth);
+      chroma(k, stream, c, f.chroma + c * f.alignedWidth);
     }
   });
   if (stream) StreamCopyDone();
 }
 
+}  // namespace
+
+void PackNv12Planar(const uint8_t* y, const uint8_t* u, const uint8_t* v, const Nv12Frame& f) {
+  const uint32_t sourcePairs = f.width / 2, pairs = f.alignedWidth / 2;
+  PackPlanes(y, f, [&](const Nv12RowKernels& k, bool stream, size_t c, uint8_t* out) {
+    (stream ? k.chromaStream : k.chroma)(u + c * sourcePairs, v + c * sourcePairs, sourcePairs, pairs, out);
+  });
+}
+
 // Luma alone: the chroma plane becomes 128, grey.
 void PackNv12Mono(const uint8_t* y, const Nv12Frame& f) {
-  const uint32_t chromaRows = f.alignedHeight / 2;
-  const bool stream = StreamPlanes(f);
-  const Nv12RowKernels& k = Nv12Rows();
-  const Nv12LumaRow luma = stream ? k.lumaStream : k.luma;
-  const Nv12FillRow fill = stream ? k.fillStream : k.fill;
-  ForEachRow(f.height + chromaRows, false, [&](uint32_t r, uint32_t) {
-    if (r < f.height) {
-      PackLumaRow(luma, y, f, r);
-    } else {
-      fill(f.chroma + size_t(r - f.height) * f.alignedWidth, 128, f.alignedWidth);
-    }
+  PackPlanes(y, f, [&](const Nv12RowKernels& k, bool stream, size_t, uint8_t* out) {
+    (stream ? k.fillStream : k.fill)(out, 128, f.alignedWidth);
   });
-  if (stream) StreamCopyDone();
 }
 
 }  // namespace kestrelink::h264

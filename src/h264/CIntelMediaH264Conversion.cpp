@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/RowLoop.h"
+#include "frame/StreamCopy.h"
 #include "h264/CIntelMediaDecoder.h"
 #include "h264/CIntelMediaEncoder.h"
 #include "h264/EncodedFrameRecord.h"
@@ -11,21 +12,22 @@
 namespace {
 
 // Zeroes bytes from .. size-1 of the record, shared out over the team in
-// blocks. Ordinary stores: the record is usually still in the caches from the
-// frame before, where streaming stores would send it all to memory.
+// blocks. A large clear goes with streaming stores: behind the frame's
+// packing the record is out of the nearer caches anyway, and the caller
+// reads back only the header and the bitstream.
 void ClearRecordTail(uint8_t* record, size_t size, size_t from) {
   if (size <= from) return;
   const size_t n = size - from;
-  constexpr size_t kBlockBytes = size_t(1) << 18;
-  const uint32_t blocks = uint32_t((n + kBlockBytes - 1) / kBlockBytes);
-  if (blocks < 2) {
+  if (n < kestrelink::kStreamCopyBytes) {
     std::memset(record + from, 0, n);
     return;
   }
-  kestrelink::ForEachRow(blocks, false, [&](uint32_t b, uint32_t) {
+  constexpr size_t kBlockBytes = size_t(1) << 18;
+  kestrelink::ForEachRow(uint32_t((n + kBlockBytes - 1) / kBlockBytes), false, [&](uint32_t b, uint32_t) {
     const size_t begin = from + size_t(b) * kBlockBytes;
-    std::memset(record + begin, 0, std::min(kBlockBytes, size - begin));
+    kestrelink::StreamFill(record + begin, 0, std::min(kBlockBytes, size - begin));
   });
+  kestrelink::StreamCopyDone();
 }
 
 }  // namespace

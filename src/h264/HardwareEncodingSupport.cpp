@@ -1,6 +1,9 @@
 // Whether Media SDK encodes on the hardware here. The answer is asked once a
 // process and kept in one word (all ones: not asked yet); two threads that
-// race both do the work and store the same answer.
+// race both do the work and store the same answer. Beside it, whether any
+// run-time encodes here, which picks the front's encoder: asked once a
+// process under a lock, so that fronts made side by side open one probe
+// session between them.
 #include "h264/HardwareEncodingSupport.h"
 
 #include <atomic>

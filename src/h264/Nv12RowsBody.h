@@ -1,8 +1,9 @@
 #pragma once
 // The NV12 row kernels written once over a vector type V (included by each
 // vector variant's file, built for its instruction set). V gives kBytes, Reg,
-// Load, Store, Stream, Splat and Interleave (two registers of u and v bytes
-// to the pairs in order: the first kBytes / 2 pairs, then the rest).
+// Load, Store, Stream, Splat and, for chroma rows, Interleave (two registers
+// of u and v bytes to the pairs in order: the first kBytes / 2 pairs, then
+// the rest).
 // Streaming stores need aligned addresses: the bytes up to the first aligned
 // one go with ordinary stores, and so do the bytes after the last whole
 // vector.
@@ -83,6 +84,21 @@ void ChromaRow(const uint8_t* u, const uint8_t* v, uint32_t sourcePairs, uint32_
   InterleavePairs(u, v, i, sourcePairs, out);
   RepeatLastPair(u, v, sourcePairs, pairs, out);
 }
+
+// 16 pairs a step, unpacked low and high: the SSE2 variant, and the chroma
+// rows of the AVX2 one.
+struct Sse2 {
+  static constexpr uint32_t kBytes = 16;
+  using Reg = __m128i;
+  static Reg Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+  static void Store(uint8_t* p, Reg r) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), r); }
+  static void Stream(uint8_t* p, Reg r) { _mm_stream_si128(reinterpret_cast<__m128i*>(p), r); }
+  static Reg Splat(uint8_t value) { return _mm_set1_epi8(char(value)); }
+  static void Interleave(Reg u, Reg v, Reg& first, Reg& second) {
+    first = _mm_unpacklo_epi8(u, v);
+    second = _mm_unpackhi_epi8(u, v);
+  }
+};
 
 template <class V>
 constexpr Nv12RowKernels Kernels() {

@@ -241,7 +241,8 @@ STANDIN_REFUSE(MFXVideoUSER_Register, mfxSession, mfxU32, const mfxPlugin*)
 STANDIN_REFUSE(MFXVideoUSER_Unregister, mfxSession, mfxU32)
 STANDIN_REFUSE(MFXVideoUSER_ProcessFrameAsync, mfxSession, const mfxHDL*, mfxU32, const mfxHDL*, mfxU32, mfxSyncPoint*)
 // Processing: the set-up and the surfaces of each run are recorded.
-STANDIN_EXPORT mfxStatus MFXVideoVPP_QueryIOSurf(mfxSession session, mfxVideoParam* par, mfxFrameAllocRequest request[2]) {
+STANDIN_EXPORT mfxStatus MFXVideoVPP_QueryIOSurf(mfxSession session, mfxVideoParam* par,
+                                                 mfxFrameAllocRequest request[2]) {
   ++g_state.record.vppQueryIOSurfCalls;
   if (Own(session) == nullptr) return MFX_ERR_INVALID_HANDLE;
   std::memset(request, 0, 2 * sizeof *request);

@@ -41,6 +41,27 @@ inline void StreamCopy(uint8_t* d, const uint8_t* s, size_t n) {
   std::memcpy(d + i, s + i, n - i);
 }
 
+// Sets n bytes at d to value, as memset does, with streaming stores.
+inline void StreamFill(uint8_t* d, uint8_t value, size_t n) {
+  if (n < 64) {
+    std::memset(d, value, n);
+    return;
+  }
+  const size_t head = (16 - (reinterpret_cast<uintptr_t>(d) & 15)) & 15;
+  std::memset(d, value, head);
+  d += head;
+  n -= head;
+  const __m128i v = _mm_set1_epi8(char(value));
+  size_t i = 0;
+  for (; i + 64 <= n; i += 64) {
+    _mm_stream_si128(reinterpret_cast<__m128i*>(d + i), v);
+    _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 16), v);
+    _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 32), v);
+    _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 48), v);
+  }
+  std::memset(d + i, value, n - i);
+}
+
 // Streaming stores are weakly ordered. A team's join is a locked operation,
 // which drains them on every thread; the calling thread fences its own once
 // the frame is done, so the frame is complete when the call returns.

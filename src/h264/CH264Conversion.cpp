@@ -4,14 +4,13 @@
 #include "h264/CIPPH264Conversion.h"
 #include "h264/CIntelMediaH264Conversion.h"
 #include "h264/HardwareEncodingSupport.h"
-#include "h264/MediaSdkSession.h"
 
 namespace {
 
-// The Media SDK back-end encodes wherever a run-time can really encode here;
-// decoding is always the software back-end's.
+// The Media SDK back-end encodes wherever a run-time can really encode here
+// (asked once a process); decoding is always the software back-end's.
 CH264ConversionBase* MakeEncoder() {
-  if (kestrelink::h264::MediaSdkCanEncode(MFX_IMPL_AUTO)) return new CIntelMediaH264Conversion;
+  if (kestrelink::h264::MediaSdkEncodesHere()) return new CIntelMediaH264Conversion;
   return new CIPPH264Conversion;
 }
 

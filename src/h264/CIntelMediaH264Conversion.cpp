@@ -1,10 +1,36 @@
 #include "h264/CIntelMediaH264Conversion.h"
 
+#include <algorithm>
 #include <cstring>
 
+#include "frame/RowLoop.h"
+#include "frame/StreamCopy.h"
 #include "h264/CIntelMediaDecoder.h"
 #include "h264/CIntelMediaEncoder.h"
 #include "h264/EncodedFrameRecord.h"
+
+namespace {
+
+// Zeroes bytes from .. size-1 of the record, shared out over the team in
+// blocks. A large clear goes with streaming stores: behind the frame's
+// packing the record is out of the nearer caches anyway, and the caller
+// reads back only the header and the bitstream.
+void ClearRecordTail(uint8_t* record, size_t size, size_t from) {
+  if (size <= from) return;
+  const size_t n = size - from;
+  if (n < kestrelink::kStreamCopyBytes) {
+    std::memset(record + from, 0, n);
+    return;
+  }
+  constexpr size_t kBlockBytes = size_t(1) << 18;
+  kestrelink::ForEachRow(uint32_t((n + kBlockBytes - 1) / kBlockBytes), false, [&](uint32_t b, uint32_t) {
+    const size_t begin = from + size_t(b) * kBlockBytes;
+    kestrelink::StreamFill(record + begin, 0, std::min(kBlockBytes, size - begin));
+  });
+  kestrelink::StreamCopyDone();
+}
+
+}  // namespace
 
 CIntelMediaH264Conversion::~CIntelMediaH264Conversion() { UnInitialize(); }
 
@@ -48,10 +74,14 @@ bool CIntelMediaH264Conversion::EncodeImage(void* record, void* plane0, void* pl
   if (m_encoder == nullptr) return false;
   m_needsOpen = false;
   auto* bytes = static_cast<uint8_t*>(record);
-  std::memset(bytes, 0, size_t(m_width) * m_height * 2);
   const uint32_t length = m_encoder->Encode(m_width, m_height, m_format == 0, static_cast<const uint8_t*>(plane0),
                                             static_cast<const uint8_t*>(plane1), static_cast<const uint8_t*>(plane2),
                                             bytes + kestrelink::h264::kRecordHeaderBytes);
+  // The record's first width * height * 2 bytes are zero but for what is
+  // written: the encode wrote only its bitstream, so the clear covers the
+  // rest, after it (the same bytes as clearing first), and the header is
+  // written below.
+  ClearRecordTail(bytes, size_t(m_width) * m_height * 2, kestrelink::h264::kRecordHeaderBytes + size_t(length));
   uint16_t gop = 0;
   if (kestrelink::h264::IsKeyRecord(bytes)) {
     m_framesSinceKey = 0;

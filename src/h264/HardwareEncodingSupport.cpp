@@ -1,9 +1,13 @@
 // Whether Media SDK encodes on the hardware here. The answer is asked once a
 // process and kept in one word (all ones: not asked yet); two threads that
-// race both do the work and store the same answer.
+// race both do the work and store the same answer. Beside it, whether any
+// run-time encodes here, which picks the front's encoder: asked once a
+// process under a lock, so that fronts made side by side open one probe
+// session between them.
 #include "h264/HardwareEncodingSupport.h"
 
 #include <atomic>
+#include <mutex>
 
 #include "h264/H264Log.h"
 #include "h264/MediaSdkSession.h"
@@ -14,6 +18,8 @@ namespace {
 
 constexpr uint32_t kNotAsked = 0xFFFFFFFF;
 std::atomic<uint32_t> g_answer{kNotAsked};
+std::mutex g_encodesHereLock;
+uint32_t g_encodesHere = kNotAsked;  // guarded by g_encodesHereLock
 
 // Opens a session on impl and logs as the encoder does; true when it opened
 // and can encode, with its implementation in `actual`.
@@ -51,6 +57,16 @@ bool HardwareEncodingSupported() {
   return supported;
 }
 
-void ForgetHardwareEncodingAnswer() { g_answer.store(kNotAsked, std::memory_order_relaxed); }
+bool MediaSdkEncodesHere() {
+  std::lock_guard<std::mutex> lock(g_encodesHereLock);
+  if (g_encodesHere == kNotAsked) g_encodesHere = MediaSdkCanEncode(MFX_IMPL_AUTO) ? 1 : 0;
+  return g_encodesHere != 0;
+}
+
+void ForgetHardwareEncodingAnswer() {
+  g_answer.store(kNotAsked, std::memory_order_relaxed);
+  std::lock_guard<std::mutex> lock(g_encodesHereLock);
+  g_encodesHere = kNotAsked;
+}
 
 }  // namespace kestrelink::h264

@@ -24,8 +24,4 @@ void PackNv12Planar(const uint8_t* y, const uint8_t* u, const uint8_t* v, const 
 // Luma alone: the chroma plane becomes 128, grey.
 void PackNv12Mono(const uint8_t* y, const Nv12Frame& frame);
 
-// One chroma row: w / 2 pairs from u and v, then the last pair repeated up to
-// pairs pairs.
-void InterleaveChromaRow(const uint8_t* u, const uint8_t* v, uint32_t sourcePairs, uint32_t pairs, uint8_t* out);
-
 }  // namespace kestrelink::h264

@@ -3,6 +3,7 @@
 // of the source into NV12, and the choice of implementation by frame size.
 #include <mfx/mfxstructures.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -18,6 +19,7 @@ namespace {
 using mfxtest::DispatchKey;
 using mfxtest::ScopedDispatchKeys;
 using mfxtest::StandinCopy;
+using mfxtest::StandinStream;
 
 constexpr uint32_t kApi13 = 0x0103;
 
@@ -36,20 +38,9 @@ struct Source {
   }
 };
 
-std::vector<uint8_t> Bytes(std::initializer_list<int> values) { return std::vector<uint8_t>(values.begin(), values.end()); }
-
-std::vector<uint8_t> Big32(uint32_t value) {
-  return Bytes({int(value >> 24), int(value >> 16 & 255), int(value >> 8 & 255), int(value & 255)});
-}
-
-// The stand-in's stream for frame n (see MfxStandinState.h), without a delimiter.
-std::vector<uint8_t> StandinStream(uint32_t n, bool key, uint32_t lumaSum) {
-  std::vector<uint8_t> s;
-  if (key) s = Bytes({0, 0, 0, 1, 0x67, 'S', 'P', 'S', 0, 0, 0, 1, 0x68, 'P', 'P', 'S'});
-  for (uint8_t b : Bytes({0, 0, 0, 1, key ? 0x65 : 0x41})) s.push_back(b);
-  for (uint8_t b : Big32(n)) s.push_back(b);
-  for (uint8_t b : Big32(lumaSum)) s.push_back(b);
-  return s;
+// Index of the first byte of got that differs from want; want.size() if none.
+size_t FirstDifference(const uint8_t* got, const std::vector<uint8_t>& want) {
+  return size_t(std::mismatch(want.begin(), want.end(), got).first - want.begin());
 }
 
 class MediaSdkEncoder : public ::testing::Test {
@@ -205,33 +196,45 @@ TEST_F(MediaSdkEncoder, BitRateAndGopSettings) {
 // The planes that reach the run-time, byte for byte: luma rows at the aligned
 // pitch padded with the byte after the row, chroma pairs padded with the last
 // pair, rows past the frame left as they were (zero on the first frame).
+// The large frame's planes are written with streaming stores. The record
+// is zero from the stream's end to width * height * 2 bytes, and untouched
+// beyond.
 TEST_F(MediaSdkEncoder, Nv12PlanesReachTheRuntimeByteForByte) {
-  for (bool mono : {false, true}) {
-    SCOPED_TRACE(mono ? "mono" : "planar");
-    CIntelMediaH264Conversion backEnd;
-    const uint32_t w = 40, h = 20, W = 48, H = 32;
-    ASSERT_TRUE(backEnd.Initialize(true, w, h, mono ? H264_SOURCE_MONO : H264_SOURCE_YUV_PLANAR, 30, 1000000, 8, 0));
-    Source src(w, h, 3);
-    std::vector<uint8_t> record(w * h * 2 + 16);
-    ASSERT_TRUE(backEnd.EncodeImage(record.data(), src.y.data(), src.u.data(), src.v.data()));
-    ASSERT_EQ(lib.record().lastSurfacePitch, W);
-    ASSERT_EQ(lib.record().lastSurfaceInfo.Height, H);
+  struct Size {
+    uint32_t w, h, W, H;
+  };
+  for (const Size& size : {Size{40, 20, 48, 32}, Size{1921, 1090, 1936, 1104}}) {
+    for (bool mono : {false, true}) {
+      SCOPED_TRACE(mono ? "mono" : "planar");
+      SCOPED_TRACE(size.w);
+      CIntelMediaH264Conversion backEnd;
+      const uint32_t w = size.w, h = size.h, W = size.W, H = size.H;
+      ASSERT_TRUE(backEnd.Initialize(true, w, h, mono ? H264_SOURCE_MONO : H264_SOURCE_YUV_PLANAR, 30, 1000000, 8, 0));
+      Source src(w, h, 3);
+      std::vector<uint8_t> record(w * h * 2 + 16, 0xEE);
+      ASSERT_TRUE(backEnd.EncodeImage(record.data(), src.y.data(), src.u.data(), src.v.data()));
+      const size_t end = kestrelink::h264::RecordSize(record.data());
+      EXPECT_EQ(std::count(record.begin() + end, record.begin() + w * h * 2, 0), ptrdiff_t(w * h * 2 - end));
+      EXPECT_EQ(std::count(record.begin() + w * h * 2, record.end(), 0xEE), 16);
+      ASSERT_EQ(lib.record().lastSurfacePitch, W);
+      ASSERT_EQ(lib.record().lastSurfaceInfo.Height, H);
 
-    std::vector<uint8_t> luma(W * H, 0), chroma(W * H / 2, 128);
-    for (uint32_t r = 0; r < h; ++r)
-      for (uint32_t x = 0; x < W; ++x) {
-        const size_t at = x < w ? r * w + x : (r + 1 < h ? (r + 1) * w : r * w + w - 1);
-        luma[r * W + x] = src.y[at];
-      }
-    if (!mono)
-      for (uint32_t r = 0; r < H / 2; ++r)
-        for (uint32_t pair = 0; pair < W / 2; ++pair) {
-          const uint32_t from = pair < w / 2 ? pair : w / 2 - 1;
-          chroma[r * W + 2 * pair] = src.u[r * (w / 2) + from];
-          chroma[r * W + 2 * pair + 1] = src.v[r * (w / 2) + from];
+      std::vector<uint8_t> luma(W * H, 0), chroma(W * H / 2, 128);
+      for (uint32_t r = 0; r < h; ++r)
+        for (uint32_t x = 0; x < W; ++x) {
+          const size_t at = x < w ? r * w + x : (r + 1 < h ? (r + 1) * w : r * w + w - 1);
+          luma[r * W + x] = src.y[at];
         }
-    EXPECT_EQ(std::vector<uint8_t>(lib.record().lastLuma, lib.record().lastLuma + W * H), luma);
-    EXPECT_EQ(std::vector<uint8_t>(lib.record().lastChroma, lib.record().lastChroma + W * H / 2), chroma);
+      if (!mono)
+        for (uint32_t r = 0; r < H / 2; ++r)
+          for (uint32_t pair = 0; pair < W / 2; ++pair) {
+            const uint32_t from = pair < w / 2 ? pair : w / 2 - 1;
+            chroma[r * W + 2 * pair] = src.u[r * (w / 2) + from];
+            chroma[r * W + 2 * pair + 1] = src.v[r * (w / 2) + from];
+          }
+      EXPECT_EQ(FirstDifference(lib.record().lastLuma, luma), luma.size());
+      EXPECT_EQ(FirstDifference(lib.record().lastChroma, chroma), chroma.size());
+    }
   }
 }
 

@@ -81,6 +81,21 @@ TEST_F(HardwareAnswer, FrontEncodesThroughARuntimeThatCan) {
   EXPECT_FALSE(CH264Conversion::IsHardwareEncodingSupported());
 }
 
+// The front asks once a process whether a run-time can encode: a second
+// front opens no probe session of its own, and still encodes through it.
+TEST_F(HardwareAnswer, FrontAsksOnceAProcessWhetherARuntimeEncodes) {
+  StandinCopy lib("front-once");
+  ScopedDispatchKeys keys({{"standin", kApi13, 0, 0, 1, lib.path()}});
+  { CH264Conversion first; }
+  EXPECT_EQ(lib.record().initCalls, 1);
+  CH264Conversion second;
+  EXPECT_EQ(lib.record().initCalls, 1);
+  ASSERT_TRUE(second.Initialize(true, 32, 32, H264_SOURCE_MONO, 10, 1000000, 8, 0));
+  std::vector<uint8_t> luma(32 * 32, 1), record(32 * 32 * 2 + 16);
+  ASSERT_TRUE(second.EncodeImage(record.data(), luma.data(), nullptr, nullptr));
+  EXPECT_EQ(lib.record().encodeCalls, 1);
+}
+
 // Only a session on the first adapter counts, and the answer is kept: no
 // second session is opened after it.
 TEST_F(HardwareAnswer, HardwareSessionOnTheFirstAdapterIsKept) {

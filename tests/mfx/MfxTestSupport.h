@@ -132,6 +132,16 @@ class ScopedAdapters {
   std::vector<std::string> files_;
 };
 
+// The stand-in's stream for frame n (see MfxStandinState.h), without a delimiter.
+inline std::vector<uint8_t> StandinStream(uint32_t n, bool key, uint32_t lumaSum) {
+  std::vector<uint8_t> s;
+  if (key) s = {0, 0, 0, 1, 0x67, 'S', 'P', 'S', 0, 0, 0, 1, 0x68, 'P', 'P', 'S'};
+  for (uint8_t b : {0, 0, 0, 1, key ? 0x65 : 0x41}) s.push_back(b);
+  for (uint32_t value : {n, lumaSum})
+    for (int shift = 24; shift >= 0; shift -= 8) s.push_back(uint8_t(value >> shift));
+  return s;
+}
+
 // Debug lines for the scope.
 class ScopedDebugLines {
  public:

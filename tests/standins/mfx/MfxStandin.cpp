@@ -113,12 +113,19 @@ STANDIN_EXPORT mfxStatus MFXSetPriority(mfxSession, mfxPriority) { return MFX_ER
 STANDIN_EXPORT mfxStatus MFXGetPriority(mfxSession, mfxPriority*) { return MFX_ERR_NONE; }
 
 STANDIN_EXPORT mfxStatus MFXVideoCORE_SetBufferAllocator(mfxSession, mfxBufferAllocator*) { return MFX_ERR_NONE; }
-STANDIN_EXPORT mfxStatus MFXVideoCORE_SetFrameAllocator(mfxSession, mfxFrameAllocator*) { return MFX_ERR_NONE; }
+STANDIN_EXPORT mfxStatus MFXVideoCORE_SetFrameAllocator(mfxSession, mfxFrameAllocator* allocator) {
+  if (allocator != nullptr) ++g_state.record.frameAllocatorCalls;
+  return MFX_ERR_NONE;
+}
 STANDIN_EXPORT mfxStatus MFXVideoCORE_SetHandle(mfxSession, mfxHandleType, mfxHDL) { return MFX_ERR_UNSUPPORTED; }
 STANDIN_EXPORT mfxStatus MFXVideoCORE_GetHandle(mfxSession, mfxHandleType, mfxHDL*) { return MFX_ERR_UNSUPPORTED; }
 STANDIN_EXPORT mfxStatus MFXVideoCORE_SyncOperation(mfxSession session, mfxSyncPoint, mfxU32) {
   ++g_state.record.syncCalls;
   if (Own(session) == nullptr) return MFX_ERR_INVALID_HANDLE;
+  if (g_state.knobs.syncInExecution > 0) {
+    --g_state.knobs.syncInExecution;
+    return MFX_WRN_IN_EXECUTION;
+  }
   return g_state.knobs.syncStatus;
 }
 
@@ -148,6 +155,7 @@ STANDIN_EXPORT mfxStatus MFXVideoENCODE_Init(mfxSession session, mfxVideoParam* 
 }
 STANDIN_EXPORT mfxStatus MFXVideoENCODE_Reset(mfxSession, mfxVideoParam*) { return MFX_ERR_NONE; }
 STANDIN_EXPORT mfxStatus MFXVideoENCODE_Close(mfxSession session) {
+  ++g_state.record.encodeCloseCalls;
   StandinSession* s = Own(session);
   if (s == nullptr) return MFX_ERR_INVALID_HANDLE;
   if (!s->encoderReady) return MFX_ERR_NOT_INITIALIZED;
@@ -180,6 +188,7 @@ STANDIN_EXPORT mfxStatus MFXVideoENCODE_EncodeFrameAsync(mfxSession session, mfx
   if (s == nullptr) return MFX_ERR_INVALID_HANDLE;
   if (!s->encoderReady) return MFX_ERR_NOT_INITIALIZED;
   if (surface == nullptr) return MFX_ERR_MORE_DATA;
+  g_state.record.lastEncodeSurface = surface;
   g_state.record.lastMaxLength = bs->MaxLength;
   if (g_state.knobs.notEnoughBufferOnce) {
     g_state.knobs.notEnoughBufferOnce = 0;
@@ -198,7 +207,8 @@ STANDIN_EXPORT mfxStatus MFXVideoENCODE_EncodeFrameAsync(mfxSession session, mfx
   PutBig32(out, s->frame);
   uint32_t sum = 0;
   const mfxFrameInfo& info = surface->Info;
-  for (uint32_t y = 0; y < info.Height && !g_state.knobs.quiet; ++y)
+  const bool summed = !g_state.knobs.quiet && surface->Data.Y != nullptr;  // a processed surface has no pixels here
+  for (uint32_t y = 0; y < info.Height && summed; ++y)
     for (uint32_t x = 0; x < info.Width; ++x) sum += surface->Data.Y[size_t(y) * surface->Data.Pitch + x];
   PutBig32(out, sum);
   bs->DataLength += uint32_t(out - start);
@@ -208,7 +218,7 @@ STANDIN_EXPORT mfxStatus MFXVideoENCODE_EncodeFrameAsync(mfxSession session, mfx
   return MFX_ERR_NONE;
 }
 
-// Decoding and processing are not stood in for: they refuse.
+// Decoding is not stood in for, nor processing beyond its set-up and runs: they refuse.
 #define STANDIN_REFUSE(name, ...) \
   STANDIN_EXPORT mfxStatus name(__VA_ARGS__) { return MFX_ERR_UNSUPPORTED; }
 STANDIN_REFUSE(MFXVideoDECODE_Query, mfxSession, mfxVideoParam*, mfxVideoParam*)
@@ -224,14 +234,48 @@ STANDIN_REFUSE(MFXVideoDECODE_GetPayload, mfxSession, mfxU64*, mfxPayload*)
 STANDIN_REFUSE(MFXVideoDECODE_DecodeFrameAsync, mfxSession, mfxBitstream*, mfxFrameSurface1*, mfxFrameSurface1**,
                mfxSyncPoint*)
 STANDIN_REFUSE(MFXVideoVPP_Query, mfxSession, mfxVideoParam*, mfxVideoParam*)
-STANDIN_REFUSE(MFXVideoVPP_QueryIOSurf, mfxSession, mfxVideoParam*, mfxFrameAllocRequest*)
-STANDIN_REFUSE(MFXVideoVPP_Init, mfxSession, mfxVideoParam*)
 STANDIN_REFUSE(MFXVideoVPP_Reset, mfxSession, mfxVideoParam*)
 STANDIN_REFUSE(MFXVideoVPP_GetVideoParam, mfxSession, mfxVideoParam*)
 STANDIN_REFUSE(MFXVideoVPP_GetVPPStat, mfxSession, mfxVPPStat*)
-STANDIN_REFUSE(MFXVideoVPP_RunFrameVPPAsync, mfxSession, mfxFrameSurface1*, mfxFrameSurface1*, mfxExtVppAuxData*,
-               mfxSyncPoint*)
 STANDIN_REFUSE(MFXVideoUSER_Register, mfxSession, mfxU32, const mfxPlugin*)
 STANDIN_REFUSE(MFXVideoUSER_Unregister, mfxSession, mfxU32)
 STANDIN_REFUSE(MFXVideoUSER_ProcessFrameAsync, mfxSession, const mfxHDL*, mfxU32, const mfxHDL*, mfxU32, mfxSyncPoint*)
+// Processing: the set-up and the surfaces of each run are recorded.
+STANDIN_EXPORT mfxStatus MFXVideoVPP_QueryIOSurf(mfxSession session, mfxVideoParam* par,
+                                                 mfxFrameAllocRequest request[2]) {
+  ++g_state.record.vppQueryIOSurfCalls;
+  if (Own(session) == nullptr) return MFX_ERR_INVALID_HANDLE;
+  std::memset(request, 0, 2 * sizeof *request);
+  request[0].Info = par->vpp.In;
+  request[1].Info = par->vpp.Out;
+  request[0].NumFrameMin = request[0].NumFrameSuggested = 1;
+  request[1].NumFrameMin = 1;
+  request[1].NumFrameSuggested = g_state.knobs.vppSuggestedOut;
+  return MFX_ERR_NONE;
+}
+STANDIN_EXPORT mfxStatus MFXVideoVPP_Init(mfxSession session, mfxVideoParam* par) {
+  MfxStandinRecord& r = g_state.record;
+  ++r.vppInitCalls;
+  if (Own(session) == nullptr) return MFX_ERR_INVALID_HANDLE;
+  r.lastVppInitParams = *par;
+  for (mfxU16 i = 0; i < par->NumExtParam; ++i) {
+    if (par->ExtParam[i]->BufferId != MFX_EXTBUFF_VPP_DONOTUSE) continue;
+    const auto* list = reinterpret_cast<const mfxExtVPPDoNotUse*>(par->ExtParam[i]);
+    r.lastVppDoNotUseCount = list->NumAlg;
+    for (mfxU32 a = 0; a < list->NumAlg && a < 4; ++a) r.lastVppDoNotUse[a] = list->AlgList[a];
+  }
+  return g_state.knobs.vppInitStatus;
+}
+STANDIN_EXPORT mfxStatus MFXVideoVPP_RunFrameVPPAsync(mfxSession session, mfxFrameSurface1* in, mfxFrameSurface1* out,
+                                                      mfxExtVppAuxData*, mfxSyncPoint* syncp) {
+  MfxStandinRecord& r = g_state.record;
+  ++r.vppRunCalls;
+  StandinSession* s = Own(session);
+  if (s == nullptr) return MFX_ERR_INVALID_HANDLE;
+  r.lastVppIn = in;
+  r.lastVppOut = out;
+  if (g_state.knobs.vppLocksOutput) ++out->Data.Locked;
+  *syncp = reinterpret_cast<mfxSyncPoint>(s);
+  return MFX_ERR_NONE;
+}
 STANDIN_EXPORT mfxStatus MFXVideoVPP_Close(mfxSession) { return MFX_ERR_NOT_INITIALIZED; }

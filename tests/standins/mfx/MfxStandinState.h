@@ -20,6 +20,10 @@ struct MfxStandinKnobs {
   int32_t notEnoughBufferOnce; // the next encode asks for a bigger buffer once
   uint16_t bufferSizeInKB;     // what GetVideoParam reports
   int32_t quiet;               // neither copy the surface nor sum its luma (timing runs)
+  int32_t syncInExecution;     // this many syncs answer MFX_WRN_IN_EXECUTION before syncStatus
+  uint16_t vppSuggestedOut;    // NumFrameSuggested of the VPP's output request
+  mfxStatus vppInitStatus;     // answer of MFXVideoVPP_Init
+  int32_t vppLocksOutput;      // each processed surface stays locked (the encoder never releases it)
 };
 
 struct MfxStandinRecord {
@@ -36,6 +40,16 @@ struct MfxStandinRecord {
   uint8_t* lastLuma;           // Pitch * Height bytes
   uint8_t* lastChroma;         // Pitch * Height / 2 bytes
   uint32_t lastMaxLength;      // MaxLength of the bitstream of the last encode
+  int32_t encodeCloseCalls;
+  int32_t frameAllocatorCalls; // MFXVideoCORE_SetFrameAllocator with an allocator
+  const void* lastEncodeSurface;   // the surface of the last EncodeFrameAsync
+  // The processing component: its set-up and the surfaces of its last run.
+  int32_t vppQueryIOSurfCalls, vppInitCalls, vppRunCalls;
+  mfxVideoParam lastVppInitParams;
+  uint32_t lastVppDoNotUse[4];  // the algorithm list of a do-not-use buffer given to MFXVideoVPP_Init
+  uint32_t lastVppDoNotUseCount;
+  const void* lastVppIn;
+  const void* lastVppOut;
 };
 
 struct MfxStandinStateBlock {
@@ -48,6 +62,9 @@ MfxStandinStateBlock* MfxStandinState();
 void MfxStandinReset();
 }
 
+// Processing is stood in for in its set-up only: a run hands the output
+// surface on unchanged (locked with vppLocksOutput) and writes no pixels.
+//
 // The stream the stand-in writes for frame n of a session with GOP size g:
 //   [00 00 00 01 09 F0]                          with writeDelimiter
 //   00 00 00 01 67 'S' 'P' 'S'  00 00 00 01 68 'P' 'P' 'S'   when n % g == 0

@@ -23,7 +23,8 @@ bool StreamPlanes(const Nv12Frame& f) {
 // last row repeats its own last byte instead.
 void PackLumaRow(Nv12LumaRow row, const uint8_t* y, const Nv12Frame& f, uint32_t r) {
   const uint8_t* src = y + size_t(r) * f.width;
-  const uint8_t pad = r + 1 < f.height ? src[f.width] : src[f.width - 1];
+  // A frame of no columns has no byte to repeat: its pad is 0.
+  const uint8_t pad = f.width == 0 ? 0 : r + 1 < f.height ? src[f.width] : src[f.width - 1];
   row(src, f.width, pad, f.alignedWidth, f.luma + size_t(r) * f.alignedWidth);
 }
 

@@ -112,13 +112,7 @@ IppStatus ippsFFTFwd_RToCCS_16s_Sfs(const Ipp16s* src, Ipp16s* dst, const IppsFF
 IppStatus ippsConjCcs_16sc(const Ipp16s* src, Ipp16sc* dst, int dstLen) {
   if (!src || !dst) return ippStsNullPtrErr;
   if (dstLen < 1) return ippStsSizeErr;
-  const int half = dstLen / 2;
-  for (int k = 0; k <= half; ++k) dst[k] = {src[2 * k], src[2 * k + 1]};
-  for (int k = half + 1; k < dstLen; ++k) {
-    const Ipp16sc& mirror = dst[dstLen - k];
-    // The conjugate of -32768 saturates.
-    dst[k] = {mirror.re, Ipp16s(mirror.im == -32768 ? 32767 : -mirror.im)};
-  }
+  kestrelink::fft::ActiveFftKernels().conjCcs(src, dst, uint32_t(dstLen));
   return ippStsNoErr;
 }
 

@@ -32,17 +32,23 @@ using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, int16_t* ds
 // spectrum[i] += sqrt(re * re + im * im) of point i, in single precision.
 using AddMagnitudes = void (*)(const Ipp16sc* points, double* spectrum, uint32_t count);
 
+// Expands the packed form of a transform of length len (len + 2 values) to
+// len points, the upper ones as conjugates of the lower.
+using ConjCcs = void (*)(const int16_t* src, Ipp16sc* dst, uint32_t len);
+
 struct FftKernels {
   ForwardRow forward;
   AddMagnitudes addMagnitudes;
+  ConjCcs conjCcs;
 };
 
 extern const FftKernels kFftKernelsPortable;
 extern const FftKernels kFftKernelsAVX2;
+extern const FftKernels kFftKernelsAVX512;
 
 inline const FftKernels& ActiveFftKernels() {
   static const FftKernels* const slots[kVariantCount] = {&kFftKernelsPortable, nullptr, nullptr, &kFftKernelsAVX2,
-                                                         nullptr};
+                                                         &kFftKernelsAVX512};
   return PickVariant(slots);
 }
 

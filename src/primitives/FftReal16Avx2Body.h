@@ -203,6 +203,36 @@ inline void AddMagnitudes8(const Ipp16sc* points, double* spectrum, uint32_t cou
   }
   AddMagnitudesPlain(points + i, spectrum + i, count - i);
 }
+// AddMagnitudes8 for both halves: the conjugate's magnitude is the same
+// but where an imaginary part is -32768 (its conjugate saturates to 32767);
+// the upper half takes the eight lanes reversed.
+inline void AddMagnitudePairs8(const Ipp16sc* points, double* up, double* down, uint32_t count) {
+  const __m256i reverse = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0), lowest = _mm256_set1_epi32(-32768);
+  uint32_t j = 0;
+  for (; j + 8 <= count; j += 8) {
+    const __m256i pairs = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(points + j));
+    const __m256i imInt = _mm256_srai_epi32(pairs, 16);
+    const __m256 re = _mm256_cvtepi32_ps(_mm256_srai_epi32(_mm256_slli_epi32(pairs, 16), 16));
+    const __m256 im = _mm256_cvtepi32_ps(imInt);
+    const __m256 sq = _mm256_mul_ps(re, re);
+    const __m256 m = _mm256_sqrt_ps(_mm256_add_ps(sq, _mm256_mul_ps(im, im)));
+    __m256 mirror = m;
+    if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(imInt, lowest))) {
+      const __m256 conjIm = _mm256_cvtepi32_ps(_mm256_srai_epi32(_mm256_subs_epi16(_mm256_setzero_si256(), pairs), 16));
+      mirror = _mm256_sqrt_ps(_mm256_add_ps(sq, _mm256_mul_ps(conjIm, conjIm)));
+    }
+    mirror = _mm256_permutevar8x32_ps(mirror, reverse);
+    double* out = up + j;
+    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(m))));
+    _mm256_storeu_pd(out + 4, _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(m, 1))));
+    out = down - j - 7;
+    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(mirror))));
+    _mm256_storeu_pd(out + 4,
+                     _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(mirror, 1))));
+  }
+  AddMagnitudePairsPlain(points + j, up + j, down - j, count - j);
+}
+
 // The lower half copied as it stands; the upper half eight points a step:
 // a reversed load of the mirror points, the imaginary parts negated with
 // saturation (the conjugate of -32768 is 32767, as in the plain form).

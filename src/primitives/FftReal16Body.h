@@ -138,3 +138,13 @@ inline void AddMagnitudesPlain(const Ipp16sc* points, double* spectrum, uint32_t
     spectrum[i] += double(m);
   }
 }
+
+inline void AddMagnitudePairsPlain(const Ipp16sc* points, double* up, double* down, uint32_t count) {
+  for (uint32_t j = 0; j < count; ++j) {
+    const float re = float(points[j].re), im = float(points[j].im);
+    const float conjIm = float(points[j].im == -32768 ? 32767 : -points[j].im);
+    const float sq = re * re;
+    up[j] += double(__builtin_sqrtf(sq + im * im));
+    *(down - j) += double(__builtin_sqrtf(sq + conjIm * conjIm));
+  }
+}

@@ -19,6 +19,6 @@ void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFac
 }
 }  // namespace
 
-const FftKernels kFftKernelsAVX2 = {Forward, AddMagnitudes8, ConjCcs8};
+const FftKernels kFftKernelsAVX2 = {Forward, AddMagnitudes8, AddMagnitudePairs8, ConjCcs8};
 
 }  // namespace kestrelink::fft

@@ -51,6 +51,6 @@ void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFac
 }
 }  // namespace
 
-const FftKernels kFftKernelsAVX512 = {Forward, AddMagnitudes8, ConjCcs8};
+const FftKernels kFftKernelsAVX512 = {Forward, AddMagnitudes8, AddMagnitudePairs8, ConjCcs8};
 
 }  // namespace kestrelink::fft

@@ -16,6 +16,6 @@ void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFac
 }
 }  // namespace
 
-const FftKernels kFftKernelsPortable = {Forward, AddMagnitudesPlain, ConjCcsPlain};
+const FftKernels kFftKernelsPortable = {Forward, AddMagnitudesPlain, AddMagnitudePairsPlain, ConjCcsPlain};
 
 }  // namespace kestrelink::fft

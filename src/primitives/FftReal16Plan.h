@@ -32,6 +32,11 @@ using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, int16_t* ds
 // spectrum[i] += sqrt(re * re + im * im) of point i, in single precision.
 using AddMagnitudes = void (*)(const Ipp16sc* points, double* spectrum, uint32_t count);
 
+// up[j] += |points[j]| and down[-j] += |conj points[j]| for j < count, in
+// the same single-precision steps (the conjugate of -32768 is 32767, so
+// that magnitude can differ): both halves of a real row's spectrum from
+// its lower half.
+using AddMagnitudePairs = void (*)(const Ipp16sc* points, double* up, double* down, uint32_t count);
 // Expands the packed form of a transform of length len (len + 2 values) to
 // len points, the upper ones as conjugates of the lower.
 using ConjCcs = void (*)(const int16_t* src, Ipp16sc* dst, uint32_t len);
@@ -39,6 +44,7 @@ using ConjCcs = void (*)(const int16_t* src, Ipp16sc* dst, uint32_t len);
 struct FftKernels {
   ForwardRow forward;
   AddMagnitudes addMagnitudes;
+  AddMagnitudePairs addMagnitudePairs;
   ConjCcs conjCcs;
 };
 

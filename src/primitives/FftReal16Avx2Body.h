@@ -8,18 +8,22 @@
 inline __m256i Load(const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 inline void Store(int32_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
-// MulRe and MulIm on eight lanes: the same high and low split, so the same
-// exactly rounded products.
+// MulRe and MulIm on eight lanes from whole 64-bit products: each sum
+// x c - y s (x s + y c) plus the rounding half is exact in 64 bits, and its
+// bits 15 .. 46 are the rounded product, the same 32 bits as the high and
+// low split gives (both are exact modulo 2^32). Even lanes multiply in
+// place, odd ones after a shuffle down; the shifts put each result back in
+// its own half of the 64 bits.
 inline void Multiply8(__m256i xr, __m256i xi, __m256i c, __m256i s, __m256i& tr, __m256i& ti) {
-  const __m256i low = _mm256_set1_epi32(0x7FFF), half = _mm256_set1_epi32(16384);
-  const __m256i rh = _mm256_srai_epi32(xr, 15), ih = _mm256_srai_epi32(xi, 15);
-  const __m256i rl = _mm256_and_si256(xr, low), il = _mm256_and_si256(xi, low);
-  const __m256i reHigh = _mm256_sub_epi32(_mm256_mullo_epi32(rh, c), _mm256_mullo_epi32(ih, s));
-  const __m256i reLow = _mm256_sub_epi32(_mm256_mullo_epi32(rl, c), _mm256_mullo_epi32(il, s));
-  const __m256i imHigh = _mm256_add_epi32(_mm256_mullo_epi32(rh, s), _mm256_mullo_epi32(ih, c));
-  const __m256i imLow = _mm256_add_epi32(_mm256_mullo_epi32(rl, s), _mm256_mullo_epi32(il, c));
-  tr = _mm256_add_epi32(reHigh, _mm256_srai_epi32(_mm256_add_epi32(reLow, half), 15));
-  ti = _mm256_add_epi32(imHigh, _mm256_srai_epi32(_mm256_add_epi32(imLow, half), 15));
+  const __m256i half = _mm256_set1_epi64x(16384);
+  const __m256i xro = _mm256_shuffle_epi32(xr, 0xF5), xio = _mm256_shuffle_epi32(xi, 0xF5);
+  const __m256i co = _mm256_shuffle_epi32(c, 0xF5), so = _mm256_shuffle_epi32(s, 0xF5);
+  const __m256i reEven = _mm256_add_epi64(_mm256_sub_epi64(_mm256_mul_epi32(xr, c), _mm256_mul_epi32(xi, s)), half);
+  const __m256i reOdd = _mm256_add_epi64(_mm256_sub_epi64(_mm256_mul_epi32(xro, co), _mm256_mul_epi32(xio, so)), half);
+  const __m256i imEven = _mm256_add_epi64(_mm256_add_epi64(_mm256_mul_epi32(xr, s), _mm256_mul_epi32(xi, c)), half);
+  const __m256i imOdd = _mm256_add_epi64(_mm256_add_epi64(_mm256_mul_epi32(xro, so), _mm256_mul_epi32(xio, co)), half);
+  tr = _mm256_blend_epi32(_mm256_srli_epi64(reEven, 15), _mm256_slli_epi64(reOdd, 17), 0xAA);
+  ti = _mm256_blend_epi32(_mm256_srli_epi64(imEven, 15), _mm256_slli_epi64(imOdd, 17), 0xAA);
 }
 
 // The same on four lanes, for the pass of half-length 4.

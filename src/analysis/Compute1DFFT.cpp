@@ -46,12 +46,11 @@ bool CIppImageWrapper::Compute1DFFT(int centred, int length, int order, int rowC
   double* const middle = centred == 0 ? spectrum + half : spectrum;
   for (int r = 0; r < rowCount; ++r) {
     if (!rows[r]) continue;
-    // The transform reads its row as eight short runs, too short for the
-    // hardware to fetch ahead: the next row is asked for while this one runs.
-    if (r + 1 < rowCount && rows[r + 1])
-      for (uint32_t i = 0; i < n; i += 32) __builtin_prefetch(rows[r + 1] + i);
-    ippsFFTFwd_RToCCS_16s_Sfs(rows[r], reinterpret_cast<Ipp16s*>(packed.data()), spec, 1,
-                              reinterpret_cast<Ipp8u*>(work.data()));
+    // The transform reads its row in short runs, too short for the hardware
+    // to fetch ahead: it asks for the next row as it goes.
+    const Ipp16s* ahead = r + 1 < rowCount ? rows[r + 1] : nullptr;
+    kestrelink::fft::ForwardFetchingAhead(rows[r], reinterpret_cast<Ipp16s*>(packed.data()), spec, 1,
+                                          reinterpret_cast<Ipp8u*>(work.data()), ahead);
     kernels.addMagnitudes(packed.data(), low, 1);
     kernels.addMagnitudes(packed.data() + half, middle, 1);
     kernels.addMagnitudePairs(packed.data() + 1, low + 1, high - 1, half - 1);

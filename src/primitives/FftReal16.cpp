@@ -102,10 +102,16 @@ IppStatus ippsFFTGetBufSize_R_16s(const IppsFFTSpec_R_16s* spec, int* size) {
 
 IppStatus ippsFFTFwd_RToCCS_16s_Sfs(const Ipp16s* src, Ipp16s* dst, const IppsFFTSpec_R_16s* spec, int scaleFactor,
                                     Ipp8u* buffer) {
+  return kestrelink::fft::ForwardFetchingAhead(src, dst, spec, scaleFactor, buffer, nullptr);
+}
+
+IppStatus kestrelink::fft::ForwardFetchingAhead(const Ipp16s* src, Ipp16s* dst, const IppsFFTSpec_R_16s* spec,
+                                                int scaleFactor, Ipp8u* buffer, const Ipp16s* ahead) {
   if (!src || !dst || !spec || !buffer) return ippStsNullPtrErr;
   // Beyond +-40 every bin is 0 or saturated; the bound keeps the shifts defined.
   scaleFactor = scaleFactor < -40 ? -40 : scaleFactor > 40 ? 40 : scaleFactor;
-  kestrelink::fft::ActiveFftKernels().forward(spec->plan, src, dst, scaleFactor, reinterpret_cast<int32_t*>(buffer));
+  kestrelink::fft::ActiveFftKernels().forward(spec->plan, src, ahead, dst, scaleFactor,
+                                              reinterpret_cast<int32_t*>(buffer));
   return ippStsNoErr;
 }
 

@@ -150,10 +150,11 @@ inline void Butterfly(__m256i& ar, __m256i& ai, __m256i& br, __m256i& bi, __m256
 // so eight consecutive r are eight plain loads, one per eighth of the row,
 // each lane working one group of eight, and a transpose gives each group's
 // eight results to one store. Twiddles 1 and -i of the last pass are exact
-// (1.0 is held as 32768), the other two are the plan's.
-inline uint32_t Front8(const FftPlan& plan, const int16_t* src, int32_t* re, int32_t* im) {
+// (1.0 is held as 32768), the other two are the plan's. Each step reads
+// four cache lines' worth of the row, and asks for four lines of `ahead`.
+inline uint32_t Front8(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int32_t* re, int32_t* im) {
   const uint32_t m = plan.half, e = m / 8;
-  if (m < 64) return FrontPlain(plan, src, re, im);
+  if (m < 64) return FrontPlain(plan, src, ahead, re, im);
   static constexpr uint32_t kEighth[8] = {0, 4, 2, 6, 1, 5, 3, 7};
   const bool widen = plan.guard >= 0;
   const __m128i up = _mm_cvtsi32_si128(widen ? plan.guard : 0), down = _mm_cvtsi32_si128(widen ? 0 : -plan.guard);
@@ -162,6 +163,9 @@ inline uint32_t Front8(const FftPlan& plan, const int16_t* src, int32_t* re, int
   const __m256i c3 = _mm256_set1_epi32(plan.passRe[6]), s3 = _mm256_set1_epi32(plan.passIm[6]);
   const __m256i zero = _mm256_setzero_si256();
   for (uint32_t r = 0; r < e; r += 8) {
+    if (ahead)
+      for (uint32_t line = 0; line < 4; ++line)
+        _mm_prefetch(reinterpret_cast<const char*>(ahead + 16 * r) + 64 * line, _MM_HINT_T0);
     __m256i vr[8], vi[8];
     for (int j = 0; j < 8; ++j) {
       const __m256i w = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + 2 * (kEighth[j] * e + r)));
@@ -193,6 +197,12 @@ inline uint32_t Front8(const FftPlan& plan, const int16_t* src, int32_t* re, int
   return 8;
 }
 
+// out[i] += lane i of m in double precision, i < 8.
+inline void AddWidened8(double* out, __m256 m) {
+  _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(m))));
+  _mm256_storeu_pd(out + 4, _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(m, 1))));
+}
+
 inline void AddMagnitudes8(const Ipp16sc* points, double* spectrum, uint32_t count) {
   uint32_t i = 0;
   for (; i + 8 <= count; i += 8) {
@@ -200,10 +210,7 @@ inline void AddMagnitudes8(const Ipp16sc* points, double* spectrum, uint32_t cou
     const __m256i pairs = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(points + i));
     const __m256 re = _mm256_cvtepi32_ps(_mm256_srai_epi32(_mm256_slli_epi32(pairs, 16), 16));
     const __m256 im = _mm256_cvtepi32_ps(_mm256_srai_epi32(pairs, 16));
-    const __m256 m = _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(re, re), _mm256_mul_ps(im, im)));
-    double* out = spectrum + i;
-    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(m))));
-    _mm256_storeu_pd(out + 4, _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(m, 1))));
+    AddWidened8(spectrum + i, _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(re, re), _mm256_mul_ps(im, im))));
   }
   AddMagnitudesPlain(points + i, spectrum + i, count - i);
 }
@@ -222,17 +229,12 @@ inline void AddMagnitudePairs8(const Ipp16sc* points, double* up, double* down, 
     const __m256 m = _mm256_sqrt_ps(_mm256_add_ps(sq, _mm256_mul_ps(im, im)));
     __m256 mirror = m;
     if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(imInt, lowest))) {
-      const __m256 conjIm = _mm256_cvtepi32_ps(_mm256_srai_epi32(_mm256_subs_epi16(_mm256_setzero_si256(), pairs), 16));
+      const __m256i negated = _mm256_subs_epi16(_mm256_setzero_si256(), pairs);
+      const __m256 conjIm = _mm256_cvtepi32_ps(_mm256_srai_epi32(negated, 16));
       mirror = _mm256_sqrt_ps(_mm256_add_ps(sq, _mm256_mul_ps(conjIm, conjIm)));
     }
-    mirror = _mm256_permutevar8x32_ps(mirror, reverse);
-    double* out = up + j;
-    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(m))));
-    _mm256_storeu_pd(out + 4, _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(m, 1))));
-    out = down - j - 7;
-    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(mirror))));
-    _mm256_storeu_pd(out + 4,
-                     _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(mirror, 1))));
+    AddWidened8(up + j, m);
+    AddWidened8(down - j - 7, _mm256_permutevar8x32_ps(mirror, reverse));
   }
   AddMagnitudePairsPlain(points + j, up + j, down - j, count - j);
 }
@@ -246,8 +248,8 @@ inline void ConjCcs8(const int16_t* src, Ipp16sc* dst, uint32_t len) {
   const __m256i reverse = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0);
   uint32_t k = half + 1;
   for (; k + 8 <= len; k += 8) {
-    const __m256i w = _mm256_permutevar8x32_epi32(
-        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(dst + (len - k - 7))), reverse);
+    const __m256i w =
+        _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(dst + (len - k - 7))), reverse);
     const __m256i conj = _mm256_blend_epi16(w, _mm256_subs_epi16(_mm256_setzero_si256(), w), 0xAA);
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + k), conj);
   }

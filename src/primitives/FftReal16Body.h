@@ -97,24 +97,25 @@ inline void SplitPass(const kestrelink::fft::FftPlan& plan, const int32_t* re, c
 
 // The plain start of the passes: the points in bit-reversed order, then the
 // radix-4 pass; gives the half-length of the first radix-2 pass still to run.
-inline uint32_t FrontPlain(const kestrelink::fft::FftPlan& plan, const int16_t* src, int32_t* re, int32_t* im) {
+inline uint32_t FrontPlain(const kestrelink::fft::FftPlan& plan, const int16_t* src, const int16_t* /*ahead*/,
+                           int32_t* re, int32_t* im) {
   LoadReversed(plan, src, re, im);
   if (plan.half < 4) return 1;
   Radix4Pass(re, im, plan.half);
   return 4;
 }
 
-// front(plan, src, re, im) loads the points and runs the first passes,
-// giving the half-length of the next; pass(re, im, half, h, twiddleRe,
+// front(plan, src, ahead, re, im) loads the points and runs the first
+// passes, giving the half-length of the next; pass(re, im, half, h, twiddleRe,
 // twiddleIm) runs one radix-2 pass; split(plan, re, im, dst, scaleFactor)
 // the split pass.
 template <class Front, class Pass, class Split>
-inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor,
-                           int32_t* work, Front front, Pass pass, Split split) {
+inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst,
+                           int scaleFactor, int32_t* work, Front front, Pass pass, Split split) {
   const uint32_t m = plan.half;
   int32_t* re = work;
   int32_t* im = work + m;
-  for (uint32_t h = front(plan, src, re, im); h < m; h <<= 1)
+  for (uint32_t h = front(plan, src, ahead, re, im); h < m; h <<= 1)
     pass(re, im, m, h, plan.passRe.data() + h - 1, plan.passIm.data() + h - 1);
   split(plan, re, im, dst, scaleFactor);
 }

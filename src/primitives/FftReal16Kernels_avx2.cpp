@@ -14,8 +14,9 @@ namespace {
 #include "primitives/FftReal16Body.h"
 #include "primitives/FftReal16Avx2Body.h"
 
-void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor, int32_t* work) {
-  ForwardRowBody(plan, src, dst, scaleFactor, work, Front8, Radix2Pass8, SplitPass8);
+void Forward(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst, int scaleFactor,
+             int32_t* work) {
+  ForwardRowBody(plan, src, ahead, dst, scaleFactor, work, Front8, Radix2Pass8, SplitPass8);
 }
 }  // namespace
 

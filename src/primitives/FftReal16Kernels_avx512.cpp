@@ -78,6 +78,14 @@ void SplitPass16(const FftPlan& plan, const int32_t* re, const int32_t* im, int1
   SplitPass(plan, re, im, dst, scaleFactor, k, m + 1);
 }
 
+// out[i] += lane i of m in double precision, i < 16.
+inline void AddWidened16(double* out, __m512 m) {
+  const __m256 low = _mm512_castps512_ps256(m);
+  const __m256 high = _mm256_castpd_ps(_mm512_extractf64x4_pd(_mm512_castps_pd(m), 1));
+  _mm512_storeu_pd(out, _mm512_add_pd(_mm512_loadu_pd(out), _mm512_cvtps_pd(low)));
+  _mm512_storeu_pd(out + 8, _mm512_add_pd(_mm512_loadu_pd(out + 8), _mm512_cvtps_pd(high)));
+}
+
 // AddMagnitudePairs8 sixteen points a step.
 void AddMagnitudePairs16(const Ipp16sc* points, double* up, double* down, uint32_t count) {
   const __m512i reverse = _mm512_setr_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
@@ -92,24 +100,19 @@ void AddMagnitudePairs16(const Ipp16sc* points, double* up, double* down, uint32
     const __m512 m = _mm512_sqrt_ps(_mm512_add_ps(sq, _mm512_mul_ps(im, im)));
     __m512 mirror = m;
     if (_mm512_cmpeq_epi32_mask(imInt, lowest)) {
-      const __m512 conjIm = _mm512_cvtepi32_ps(_mm512_srai_epi32(_mm512_subs_epi16(_mm512_setzero_si512(), pairs), 16));
+      const __m512i negated = _mm512_subs_epi16(_mm512_setzero_si512(), pairs);
+      const __m512 conjIm = _mm512_cvtepi32_ps(_mm512_srai_epi32(negated, 16));
       mirror = _mm512_sqrt_ps(_mm512_add_ps(sq, _mm512_mul_ps(conjIm, conjIm)));
     }
-    mirror = _mm512_permutexvar_ps(reverse, mirror);
-    double* out = up + j;
-    _mm512_storeu_pd(out, _mm512_add_pd(_mm512_loadu_pd(out), _mm512_cvtps_pd(_mm512_castps512_ps256(m))));
-    _mm512_storeu_pd(out + 8, _mm512_add_pd(_mm512_loadu_pd(out + 8),
-                                            _mm512_cvtps_pd(_mm256_castpd_ps(_mm512_extractf64x4_pd(_mm512_castps_pd(m), 1)))));
-    out = down - j - 15;
-    _mm512_storeu_pd(out, _mm512_add_pd(_mm512_loadu_pd(out), _mm512_cvtps_pd(_mm512_castps512_ps256(mirror))));
-    _mm512_storeu_pd(out + 8, _mm512_add_pd(_mm512_loadu_pd(out + 8), _mm512_cvtps_pd(_mm256_castpd_ps(
-                                                                           _mm512_extractf64x4_pd(_mm512_castps_pd(mirror), 1)))));
+    AddWidened16(up + j, m);
+    AddWidened16(down - j - 15, _mm512_permutexvar_ps(reverse, mirror));
   }
   AddMagnitudePairs8(points + j, up + j, down - j, count - j);
 }
 
-void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor, int32_t* work) {
-  ForwardRowBody(plan, src, dst, scaleFactor, work, Front8, Radix2Pass16, SplitPass16);
+void Forward(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst, int scaleFactor,
+             int32_t* work) {
+  ForwardRowBody(plan, src, ahead, dst, scaleFactor, work, Front8, Radix2Pass16, SplitPass16);
 }
 }  // namespace
 

@@ -28,7 +28,10 @@ struct FftPlan {
 };
 
 // Runs the whole forward transform of one row; work holds 2 * half lanes.
-using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor, int32_t* work);
+// ahead, when not null, is a row of the same length to fetch into the cache
+// meanwhile (variants that read the row in short runs use it).
+using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst,
+                            int scaleFactor, int32_t* work);
 // spectrum[i] += sqrt(re * re + im * im) of point i, in single precision.
 using AddMagnitudes = void (*)(const Ipp16sc* points, double* spectrum, uint32_t count);
 

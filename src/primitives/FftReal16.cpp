@@ -102,23 +102,23 @@ IppStatus ippsFFTGetBufSize_R_16s(const IppsFFTSpec_R_16s* spec, int* size) {
 
 IppStatus ippsFFTFwd_RToCCS_16s_Sfs(const Ipp16s* src, Ipp16s* dst, const IppsFFTSpec_R_16s* spec, int scaleFactor,
                                     Ipp8u* buffer) {
+  return kestrelink::fft::ForwardFetchingAhead(src, dst, spec, scaleFactor, buffer, nullptr);
+}
+
+IppStatus kestrelink::fft::ForwardFetchingAhead(const Ipp16s* src, Ipp16s* dst, const IppsFFTSpec_R_16s* spec,
+                                                int scaleFactor, Ipp8u* buffer, const Ipp16s* ahead) {
   if (!src || !dst || !spec || !buffer) return ippStsNullPtrErr;
   // Beyond +-40 every bin is 0 or saturated; the bound keeps the shifts defined.
   scaleFactor = scaleFactor < -40 ? -40 : scaleFactor > 40 ? 40 : scaleFactor;
-  kestrelink::fft::ActiveFftKernels().forward(spec->plan, src, dst, scaleFactor, reinterpret_cast<int32_t*>(buffer));
+  kestrelink::fft::ActiveFftKernels().forward(spec->plan, src, ahead, dst, scaleFactor,
+                                              reinterpret_cast<int32_t*>(buffer));
   return ippStsNoErr;
 }
 
 IppStatus ippsConjCcs_16sc(const Ipp16s* src, Ipp16sc* dst, int dstLen) {
   if (!src || !dst) return ippStsNullPtrErr;
   if (dstLen < 1) return ippStsSizeErr;
-  const int half = dstLen / 2;
-  for (int k = 0; k <= half; ++k) dst[k] = {src[2 * k], src[2 * k + 1]};
-  for (int k = half + 1; k < dstLen; ++k) {
-    const Ipp16sc& mirror = dst[dstLen - k];
-    // The conjugate of -32768 saturates.
-    dst[k] = {mirror.re, Ipp16s(mirror.im == -32768 ? 32767 : -mirror.im)};
-  }
+  kestrelink::fft::ActiveFftKernels().conjCcs(src, dst, uint32_t(dstLen));
   return ippStsNoErr;
 }
 

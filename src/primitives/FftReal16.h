@@ -65,4 +65,10 @@ namespace kestrelink::fft {
 // The stated bound above, for a row whose absolute samples sum to `sumAbs`.
 double FftErrorBound(int order, int flag, int scaleFactor, double sumAbs);
 
+// ippsFFTFwd_RToCCS_16s_Sfs, asking meanwhile for `ahead` (a row of the same
+// length, or null) to be fetched into the cache: for callers that run
+// through many rows.
+IppStatus ForwardFetchingAhead(const Ipp16s* src, Ipp16s* dst, const IppsFFTSpec_R_16s* spec, int scaleFactor,
+                               Ipp8u* buffer, const Ipp16s* ahead);
+
 }  // namespace kestrelink::fft

@@ -95,22 +95,40 @@ inline void SplitPass(const kestrelink::fft::FftPlan& plan, const int32_t* re, c
   if (to == m + 1) dst[2 * m + 1] = 0;
 }
 
-// pass(re, im, half, h, twiddleRe, twiddleIm) runs one radix-2 pass;
-// split(plan, re, im, dst, scaleFactor) the split pass.
-template <class Pass, class Split>
-inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor,
-                           int32_t* work, Pass pass, Split split) {
+// The plain start of the passes: the points in bit-reversed order, then the
+// radix-4 pass; gives the half-length of the first radix-2 pass still to run.
+inline uint32_t FrontPlain(const kestrelink::fft::FftPlan& plan, const int16_t* src, const int16_t* /*ahead*/,
+                           int32_t* re, int32_t* im) {
+  LoadReversed(plan, src, re, im);
+  if (plan.half < 4) return 1;
+  Radix4Pass(re, im, plan.half);
+  return 4;
+}
+
+// front(plan, src, ahead, re, im) loads the points and runs the first
+// passes, giving the half-length of the next; pass(re, im, half, h, twiddleRe,
+// twiddleIm) runs one radix-2 pass; split(plan, re, im, dst, scaleFactor)
+// the split pass.
+template <class Front, class Pass, class Split>
+inline void ForwardRowBody(const kestrelink::fft::FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst,
+                           int scaleFactor, int32_t* work, Front front, Pass pass, Split split) {
   const uint32_t m = plan.half;
   int32_t* re = work;
   int32_t* im = work + m;
-  LoadReversed(plan, src, re, im);
-  uint32_t h = 1;
-  if (m >= 4) {
-    Radix4Pass(re, im, m);
-    h = 4;
-  }
-  for (; h < m; h <<= 1) pass(re, im, m, h, plan.passRe.data() + h - 1, plan.passIm.data() + h - 1);
+  for (uint32_t h = front(plan, src, ahead, re, im); h < m; h <<= 1)
+    pass(re, im, m, h, plan.passRe.data() + h - 1, plan.passIm.data() + h - 1);
   split(plan, re, im, dst, scaleFactor);
+}
+
+// Entries 0 .. len/2 as they stand, entry len - k the conjugate of entry k.
+inline void ConjCcsPlain(const int16_t* src, Ipp16sc* dst, uint32_t len) {
+  const uint32_t half = len / 2;
+  for (uint32_t k = 0; k <= half; ++k) dst[k] = {src[2 * k], src[2 * k + 1]};
+  for (uint32_t k = half + 1; k < len; ++k) {
+    const Ipp16sc& mirror = dst[len - k];
+    // The conjugate of -32768 saturates.
+    dst[k] = {mirror.re, Ipp16s(mirror.im == -32768 ? 32767 : -mirror.im)};
+  }
 }
 
 inline void AddMagnitudesPlain(const Ipp16sc* points, double* spectrum, uint32_t count) {
@@ -119,5 +137,15 @@ inline void AddMagnitudesPlain(const Ipp16sc* points, double* spectrum, uint32_t
     const float sq = re * re;
     const float m = __builtin_sqrtf(sq + im * im);
     spectrum[i] += double(m);
+  }
+}
+
+inline void AddMagnitudePairsPlain(const Ipp16sc* points, double* up, double* down, uint32_t count) {
+  for (uint32_t j = 0; j < count; ++j) {
+    const float re = float(points[j].re), im = float(points[j].im);
+    const float conjIm = float(points[j].im == -32768 ? 32767 : -points[j].im);
+    const float sq = re * re;
+    up[j] += double(__builtin_sqrtf(sq + im * im));
+    *(down - j) += double(__builtin_sqrtf(sq + conjIm * conjIm));
   }
 }

@@ -5,129 +5,21 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "primitives/FftReal16Plan.h"
 
 namespace kestrelink::fft {
 namespace {
 #include "primitives/FftReal16Body.h"
+#include "primitives/FftReal16Avx2Body.h"
 
-inline __m256i Load(const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-inline void Store(int32_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
-
-// MulRe and MulIm on eight lanes: the same high and low split, so the same
-// exactly rounded products.
-inline void Multiply8(__m256i xr, __m256i xi, __m256i c, __m256i s, __m256i& tr, __m256i& ti) {
-  const __m256i low = _mm256_set1_epi32(0x7FFF), half = _mm256_set1_epi32(16384);
-  const __m256i rh = _mm256_srai_epi32(xr, 15), ih = _mm256_srai_epi32(xi, 15);
-  const __m256i rl = _mm256_and_si256(xr, low), il = _mm256_and_si256(xi, low);
-  const __m256i reHigh = _mm256_sub_epi32(_mm256_mullo_epi32(rh, c), _mm256_mullo_epi32(ih, s));
-  const __m256i reLow = _mm256_sub_epi32(_mm256_mullo_epi32(rl, c), _mm256_mullo_epi32(il, s));
-  const __m256i imHigh = _mm256_add_epi32(_mm256_mullo_epi32(rh, s), _mm256_mullo_epi32(ih, c));
-  const __m256i imLow = _mm256_add_epi32(_mm256_mullo_epi32(rl, s), _mm256_mullo_epi32(il, c));
-  tr = _mm256_add_epi32(reHigh, _mm256_srai_epi32(_mm256_add_epi32(reLow, half), 15));
-  ti = _mm256_add_epi32(imHigh, _mm256_srai_epi32(_mm256_add_epi32(imLow, half), 15));
-}
-
-// The same on four lanes, for the pass of half-length 4.
-inline void Multiply4(__m128i xr, __m128i xi, __m128i c, __m128i s, __m128i& tr, __m128i& ti) {
-  const __m128i low = _mm_set1_epi32(0x7FFF), half = _mm_set1_epi32(16384);
-  const __m128i rh = _mm_srai_epi32(xr, 15), ih = _mm_srai_epi32(xi, 15);
-  const __m128i rl = _mm_and_si128(xr, low), il = _mm_and_si128(xi, low);
-  const __m128i reHigh = _mm_sub_epi32(_mm_mullo_epi32(rh, c), _mm_mullo_epi32(ih, s));
-  const __m128i reLow = _mm_sub_epi32(_mm_mullo_epi32(rl, c), _mm_mullo_epi32(il, s));
-  const __m128i imHigh = _mm_add_epi32(_mm_mullo_epi32(rh, s), _mm_mullo_epi32(ih, c));
-  const __m128i imLow = _mm_add_epi32(_mm_mullo_epi32(rl, s), _mm_mullo_epi32(il, c));
-  tr = _mm_add_epi32(reHigh, _mm_srai_epi32(_mm_add_epi32(reLow, half), 15));
-  ti = _mm_add_epi32(imHigh, _mm_srai_epi32(_mm_add_epi32(imLow, half), 15));
-}
-
-inline __m128i Load4(const int32_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-inline void Store4(int32_t* p, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
-
-void Radix2Pass4(int32_t* re, int32_t* im, uint32_t half, const int32_t* cr, const int32_t* ci) {
-  const __m128i c = Load4(cr), sn = Load4(ci);
-  for (uint32_t s = 0; s < half; s += 8) {
-    __m128i tr, ti;
-    Multiply4(Load4(re + s + 4), Load4(im + s + 4), c, sn, tr, ti);
-    const __m128i xr = Load4(re + s), xi = Load4(im + s);
-    Store4(re + s + 4, _mm_sub_epi32(xr, tr));
-    Store4(im + s + 4, _mm_sub_epi32(xi, ti));
-    Store4(re + s, _mm_add_epi32(xr, tr));
-    Store4(im + s, _mm_add_epi32(xi, ti));
-  }
-}
-
-// Passes of half-length 8 and more go eight butterflies a step, half-length
-// 4 four a step; shorter ones take the plain pass.
-void Radix2Pass8(int32_t* re, int32_t* im, uint32_t half, uint32_t h, const int32_t* cr, const int32_t* ci) {
-  if (h == 4) return Radix2Pass4(re, im, half, cr, ci);
-  if (h < 8) return Radix2Pass(re, im, half, h, cr, ci);
-  for (uint32_t s = 0; s < half; s += 2 * h) {
-    int32_t *ar = re + s, *ai = im + s, *br = re + s + h, *bi = im + s + h;
-    for (uint32_t j = 0; j < h; j += 8) {
-      __m256i tr, ti;
-      Multiply8(Load(br + j), Load(bi + j), Load(cr + j), Load(ci + j), tr, ti);
-      const __m256i xr = Load(ar + j), xi = Load(ai + j);
-      Store(br + j, _mm256_sub_epi32(xr, tr));
-      Store(bi + j, _mm256_sub_epi32(xi, ti));
-      Store(ar + j, _mm256_add_epi32(xr, tr));
-      Store(ai + j, _mm256_add_epi32(xi, ti));
-    }
-  }
-}
-
-// Bins 1 .. 8j of the split pass eight at a time where the scaling is a
-// plain rounding shift (every flag but the square root, ordinary scale
-// factors); the ends and the rest go the plain way. Z[M - k] for eight k is
-// a reversed load.
-void SplitPass8(const FftPlan& plan, const int32_t* re, const int32_t* im, int16_t* dst, int scaleFactor) {
-  const uint32_t m = plan.half;
-  const int shift = plan.shift + scaleFactor;
-  uint32_t k = 1;
-  if (plan.multiplier == 1 && shift >= 1 && shift <= 30 && m >= 16) {
-    const __m256i reverse = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0);
-    const __m256i round = _mm256_set1_epi32(1 << (shift - 1));
-    const __m128i count = _mm_cvtsi32_si128(shift);
-    for (; k + 8 <= m; k += 8) {
-      const __m256i pr = Load(re + k), pi = Load(im + k);
-      const __m256i qr = _mm256_permutevar8x32_epi32(Load(re + m - k - 7), reverse);
-      const __m256i qi = _mm256_permutevar8x32_epi32(Load(im + m - k - 7), reverse);
-      const __m256i ar = _mm256_add_epi32(pr, qr), ai = _mm256_sub_epi32(pi, qi);
-      const __m256i br = _mm256_sub_epi32(pr, qr), bi = _mm256_add_epi32(pi, qi);
-      __m256i tr, ti;
-      Multiply8(br, bi, Load(plan.splitRe.data() + k), Load(plan.splitIm.data() + k), tr, ti);
-      const __m256i xr = _mm256_sra_epi32(_mm256_add_epi32(_mm256_add_epi32(ar, ti), round), count);
-      const __m256i xi = _mm256_sra_epi32(_mm256_add_epi32(_mm256_sub_epi32(ai, tr), round), count);
-      // Interleave re and im, saturate to 16 bits: k .. k+3 in the low lane, k+4 .. k+7 in the high.
-      const __m256i packed = _mm256_packs_epi32(_mm256_unpacklo_epi32(xr, xi), _mm256_unpackhi_epi32(xr, xi));
-      _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + 2 * k), packed);
-    }
-  }
-  SplitPass(plan, re, im, dst, scaleFactor, 0, 1);
-  SplitPass(plan, re, im, dst, scaleFactor, k, m + 1);
-}
-
-void Forward(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor, int32_t* work) {
-  ForwardRowBody(plan, src, dst, scaleFactor, work, Radix2Pass8, SplitPass8);
-}
-
-void AddMagnitudes8(const Ipp16sc* points, double* spectrum, uint32_t count) {
-  uint32_t i = 0;
-  for (; i + 8 <= count; i += 8) {
-    // Eight (re, im) pairs of 16 bits: sign-extend, then split the halves.
-    const __m256i pairs = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(points + i));
-    const __m256 re = _mm256_cvtepi32_ps(_mm256_srai_epi32(_mm256_slli_epi32(pairs, 16), 16));
-    const __m256 im = _mm256_cvtepi32_ps(_mm256_srai_epi32(pairs, 16));
-    const __m256 m = _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(re, re), _mm256_mul_ps(im, im)));
-    double* out = spectrum + i;
-    _mm256_storeu_pd(out, _mm256_add_pd(_mm256_loadu_pd(out), _mm256_cvtps_pd(_mm256_castps256_ps128(m))));
-    _mm256_storeu_pd(out + 4, _mm256_add_pd(_mm256_loadu_pd(out + 4), _mm256_cvtps_pd(_mm256_extractf128_ps(m, 1))));
-  }
-  AddMagnitudesPlain(points + i, spectrum + i, count - i);
+void Forward(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst, int scaleFactor,
+             int32_t* work) {
+  ForwardRowBody(plan, src, ahead, dst, scaleFactor, work, Front8, Radix2Pass8, SplitPass8);
 }
 }  // namespace
 
-const FftKernels kFftKernelsAVX2 = {Forward, AddMagnitudes8};
+const FftKernels kFftKernelsAVX2 = {Forward, AddMagnitudes8, AddMagnitudePairs8, ConjCcs8};
 
 }  // namespace kestrelink::fft

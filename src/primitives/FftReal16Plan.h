@@ -28,21 +28,36 @@ struct FftPlan {
 };
 
 // Runs the whole forward transform of one row; work holds 2 * half lanes.
-using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, int16_t* dst, int scaleFactor, int32_t* work);
+// ahead, when not null, is a row of the same length to fetch into the cache
+// meanwhile (variants that read the row in short runs use it).
+using ForwardRow = void (*)(const FftPlan& plan, const int16_t* src, const int16_t* ahead, int16_t* dst,
+                            int scaleFactor, int32_t* work);
 // spectrum[i] += sqrt(re * re + im * im) of point i, in single precision.
 using AddMagnitudes = void (*)(const Ipp16sc* points, double* spectrum, uint32_t count);
+
+// up[j] += |points[j]| and down[-j] += |conj points[j]| for j < count, in
+// the same single-precision steps (the conjugate of -32768 is 32767, so
+// that magnitude can differ): both halves of a real row's spectrum from
+// its lower half.
+using AddMagnitudePairs = void (*)(const Ipp16sc* points, double* up, double* down, uint32_t count);
+// Expands the packed form of a transform of length len (len + 2 values) to
+// len points, the upper ones as conjugates of the lower.
+using ConjCcs = void (*)(const int16_t* src, Ipp16sc* dst, uint32_t len);
 
 struct FftKernels {
   ForwardRow forward;
   AddMagnitudes addMagnitudes;
+  AddMagnitudePairs addMagnitudePairs;
+  ConjCcs conjCcs;
 };
 
 extern const FftKernels kFftKernelsPortable;
 extern const FftKernels kFftKernelsAVX2;
+extern const FftKernels kFftKernelsAVX512;
 
 inline const FftKernels& ActiveFftKernels() {
   static const FftKernels* const slots[kVariantCount] = {&kFftKernelsPortable, nullptr, nullptr, &kFftKernelsAVX2,
-                                                         nullptr};
+                                                         &kFftKernelsAVX512};
   return PickVariant(slots);
 }
 

@@ -136,30 +136,65 @@ TEST(FftReal16, ConjCcsMirrorsConjugates) {
   EXPECT_EQ(ippsConjCcs_16sc(ccs.data(), out.data(), 0), ippStsSizeErr);
 }
 
-TEST(FftReal16Variants, EveryVariantMatchesPortable) {
-  const kestrelink::fft::FftKernels* tables[] = {&kestrelink::fft::kFftKernelsPortable, nullptr, nullptr,
-                                                 &kestrelink::fft::kFftKernelsAVX2, nullptr};
-  for (int order : {1, 2, 3, 6, 10, 11}) {
+const kestrelink::fft::FftKernels* const kTables[kestrelink::kVariantCount] = {
+    &kestrelink::fft::kFftKernelsPortable, nullptr, nullptr, &kestrelink::fft::kFftKernelsAVX2,
+    &kestrelink::fft::kFftKernelsAVX512};
+
+// Rows that reach the corners: full-range noise, quiet noise, and the
+// extremes alternating in runs so that every bin and lane sees large values.
+std::vector<Row> VariantRows(size_t n, uint32_t seed) {
+  std::vector<Row> rows = {RandomRow(n, 32768, seed), RandomRow(n, 40, seed + 1), Row(n)};
+  for (size_t i = 0; i < n; ++i) rows[2][i] = Ipp16s((i / 3) % 2 ? 32767 : -32768);
+  return rows;
+}
+
+TEST(FftReal16Variants, EveryVariantMatchesPortableAtEveryOrder) {
+  struct Setting {
+    int flag, scaleFactor;
+  };
+  const Setting settings[] = {{IPP_FFT_NODIV_BY_ANY, 1}, {IPP_FFT_DIV_FWD_BY_N, 1}, {IPP_FFT_DIV_BY_SQRTN, 1},
+                              {IPP_FFT_DIV_INV_BY_N, 0}, {IPP_FFT_NODIV_BY_ANY, -3}, {IPP_FFT_DIV_FWD_BY_N, 9}};
+  for (int order = 1; order <= 16; ++order) {
     const size_t n = size_t(1) << order;
-    const Row x = RandomRow(n, 32768, uint32_t(order));
-    const int flags[] = {IPP_FFT_NODIV_BY_ANY, IPP_FFT_DIV_FWD_BY_N, IPP_FFT_DIV_BY_SQRTN};
+    const std::vector<Row> rows = VariantRows(n, uint32_t(order * 7));
     std::vector<Row> want;
     {
       testsupport::ScopedVariant scoped(kestrelink::kVariantPortable);
-      for (int flag : flags) want.push_back(Transform(x, order, flag, 1));
+      for (const Row& x : rows)
+        for (const Setting& s : settings) want.push_back(Transform(x, order, s.flag, s.scaleFactor));
     }
-    std::vector<Ipp16sc> points(37);
-    for (size_t i = 0; i < points.size(); ++i) points[i] = {x[i % n], Ipp16s(x[(i * 7) % n] ^ 0x5555)};
-    std::vector<double> base(points.size(), 0.25);
-    kestrelink::fft::kFftKernelsPortable.addMagnitudes(points.data(), base.data(), uint32_t(points.size()));
     for (auto v : testsupport::RunnableVariants()) {
-      if (!tables[v]) continue;
+      if (v == kestrelink::kVariantPortable || !kTables[v]) continue;
       SCOPED_TRACE(kestrelink::VariantName(v));
       testsupport::ScopedVariant scoped(v);
-      for (size_t f = 0; f < want.size(); ++f) EXPECT_EQ(Transform(x, order, flags[f], 1), want[f]) << order;
-      std::vector<double> got(points.size(), 0.25);
-      tables[v]->addMagnitudes(points.data(), got.data(), uint32_t(points.size()));
-      EXPECT_EQ(got, base);
+      size_t at = 0;
+      for (const Row& x : rows)
+        for (const Setting& s : settings)
+          EXPECT_EQ(Transform(x, order, s.flag, s.scaleFactor), want[at++])
+              << "order " << order << " flag " << s.flag << " sf " << s.scaleFactor;
+    }
+  }
+}
+
+TEST(FftReal16Variants, ExpansionAndMagnitudesMatchPortable) {
+  for (uint32_t len : {1u, 2u, 7u, 16u, 17u, 33u, 1024u, 2048u}) {
+    Row ccs = RandomRow(len + 2, 32768, len);
+    for (size_t i = 1; i < ccs.size(); i += 5) ccs[i] = -32768;  // imaginary parts whose conjugate saturates
+    std::vector<Ipp16sc> base(len), got(len);
+    kTables[0]->conjCcs(ccs.data(), base.data(), len);
+    std::vector<double> sumBase(len, 0.25);
+    kTables[0]->addMagnitudes(base.data(), sumBase.data(), len);
+    for (auto v : testsupport::RunnableVariants()) {
+      if (v == kestrelink::kVariantPortable || !kTables[v]) continue;
+      SCOPED_TRACE(kestrelink::VariantName(v));
+      kTables[v]->conjCcs(ccs.data(), got.data(), len);
+      for (uint32_t k = 0; k < len; ++k) {
+        EXPECT_EQ(got[k].re, base[k].re) << len << " " << k;
+        EXPECT_EQ(got[k].im, base[k].im) << len << " " << k;
+      }
+      std::vector<double> sum(len, 0.25);
+      kTables[v]->addMagnitudes(got.data(), sum.data(), len);
+      EXPECT_EQ(sum, sumBase) << len;
     }
   }
 }

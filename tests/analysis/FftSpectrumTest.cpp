@@ -6,7 +6,11 @@
 #include <kestrelink/CIppImageWrapper.h>
 
 #include <cmath>
+#include <random>
 #include <vector>
+
+#include "primitives/FftReal16.h"
+#include "support/TestSupport.h"
 
 namespace {
 
@@ -78,6 +82,60 @@ TEST(Compute1DFFT, CallsThatCannotRunLeaveTheSpectrumAndAnswerTrue) {
   EXPECT_TRUE(wrapper.Compute1DFFT(0, kLength, kOrder, 1, 3, HintNone, p, s.data()));  // no such flag
   EXPECT_TRUE(wrapper.Compute1DFFT(0, kLength / 2, kOrder, 1, 8, HintNone, p, s.data()));
   EXPECT_EQ(s, before);
+}
+
+// The spectrum as the packed transform defines it, summed plainly: point k
+// of a row is bin k up to length / 2 and the conjugate of bin length - k
+// above (the conjugate of -32768 is 32767), its magnitude taken in single
+// precision, output i reading point i + length / 2 (mod length) when centred.
+std::vector<double> PlainSpectrum(const std::vector<std::vector<short>>& rows, int order, int centred) {
+  const int n = 1 << order, half = n / 2;
+  IppsFFTSpec_R_16s* spec = nullptr;
+  EXPECT_EQ(ippsFFTInitAlloc_R_16s(&spec, order, IPP_FFT_NODIV_BY_ANY, ippAlgHintNone), ippStsNoErr);
+  int bytes = 0;
+  ippsFFTGetBufSize_R_16s(spec, &bytes);
+  std::vector<int32_t> work(size_t(bytes) / 4);
+  std::vector<double> out(n, 0.0);
+  for (const auto& row : rows) {
+    std::vector<Ipp16s> ccs(n + 2);
+    ippsFFTFwd_RToCCS_16s_Sfs(row.data(), ccs.data(), spec, 1, reinterpret_cast<Ipp8u*>(work.data()));
+    for (int i = 0; i < n; ++i) {
+      const int k = centred ? (i + half) % n : i;
+      const int re = k <= half ? ccs[2 * k] : ccs[2 * (n - k)];
+      const int im = k <= half ? ccs[2 * k + 1] : std::min(32767, -ccs[2 * (n - k) + 1]);
+      const float fr = float(re), fi = float(im);
+      out[i] += double(std::sqrt(fr * fr + fi * fi));
+    }
+  }
+  ippsFFTFree_R_16s(spec);
+  return out;
+}
+
+TEST(Compute1DFFT, EveryVariantSumsThePlainSpectrum) {
+  // Noise, and a full-scale sine whose bin saturates to -32768 so that its
+  // mirror reads 32767.
+  for (int order : {1, 2, 3, 5, 10, 11}) {
+    const int n = 1 << order;
+    std::mt19937 rng{uint32_t(order)};
+    std::uniform_int_distribution<int> d(-32768, 32767);
+    std::vector<std::vector<short>> rows(3, std::vector<short>(n));
+    for (auto& v : rows[0]) v = short(d(rng));
+    for (int j = 0; j < n; ++j) rows[1][j] = short(std::lround(32767.0 * std::sin(2 * M_PI * (n / 4 + 1) * j / n)));
+    for (int j = 0; j < n; ++j) rows[2][j] = short(j % 3 ? 20000 : -32768);
+    const Rows held(rows);
+    for (int centred : {0, 1}) {
+      const auto want = PlainSpectrum(rows, order, centred);
+      for (auto v : testsupport::RunnableVariants()) {
+        SCOPED_TRACE(kestrelink::VariantName(v));
+        testsupport::ScopedVariant scoped(v);
+        std::vector<double> got(n, 0.0);
+        CIppImageWrapper wrapper;
+        EXPECT_TRUE(wrapper.Compute1DFFT(centred, n, order, 3, 8, HintNone, const_cast<short**>(held.pointers.data()),
+                                         got.data()));
+        EXPECT_EQ(got, want) << "order " << order << " centred " << centred;
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -69,6 +69,19 @@ class CJPEGEncoder {
   void TransformRowOf(const Rows& kernels, int mcuRow, uint8_t* scratch, const CoefRow& dst);
   void TransformAll();
   JERRCODE CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart);
+  int BlocksPerMcu() const;
+  // Codes the blocks of MCU `mx` of a row, the DC predictions in `lastDc`.
+  void CodeMcu(const CoefRow& row, int mx, CJPEGEncoderHuffmanState& state, int32_t lastDc[4]) const;
+  // A scan without restarts cut into one run of MCU rows per thread: each
+  // thread transforms and codes its run into bits of its own, and the runs
+  // are joined in order into the single-threaded stream (EncoderSplit.cpp).
+  JERRCODE CodeSplit();
+  struct Part {
+    std::vector<uint8_t> bytes;  // coded and stuffed as if the run began the scan
+    size_t used = 0;
+    CJPEGEncoderHuffmanState tail;  // its bits short of a word
+  };
+  JERRCODE JoinPart(const Part& part);
   JERRCODE CodeSequential();
   JERRCODE FlushBits();
   JERRCODE WriteRestartMarker(int& nextRestart);
@@ -115,6 +128,11 @@ class CJPEGEncoder {
   // One slot per thread, made once in SetParams: the row conversion's
   // scratch, then one MCU row of blocks for the row pipeline.
   CMemoryBuffer m_slotBuffer;
+  // The coded bytes of each thread's run but the first, kept between frames.
+  std::vector<Part> m_parts;
 };
+
+// Worst case of one block's bytes, stuffing included.
+constexpr uint32_t kBlockBytes = 640;
 
 }  // namespace kestrelink::jpeg

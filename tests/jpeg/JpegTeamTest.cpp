@@ -1,7 +1,10 @@
-// The encoder's team against its single thread: with a team, the MCU rows
-// are coded in one run per thread and the runs joined, which must give the
-// single-threaded stream byte for byte, whatever the run boundaries cut
-// (DC predictions, stuffed 0xFF bytes, bits short of a byte).
+// The codec's team against its single thread. Encoding: with a team, the
+// MCU rows are coded in one run per thread and the runs joined, which must
+// give the single-threaded stream byte for byte, whatever the run
+// boundaries cut (DC predictions, stuffed 0xFF bytes, bits short of a
+// byte). Decoding: one thread decodes ahead of another that transforms and
+// converts, which must give the single thread's pixels, damaged streams
+// included.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -68,6 +71,40 @@ TEST(JpegTeam, EncodeEqualsTheSingleThreadStream) {
     for (int team : {2, 3}) {
       testsupport::ScopedTeam scoped(team);
       EXPECT_EQ(EncodeOurs(c.image, c.options), single) << c.name << " team " << team;
+    }
+  }
+}
+
+TEST(JpegTeam, DecodeEqualsTheSingleThreadPixels) {
+  OurOptions q85_411, q90_444, q75_422, restarts;
+  q90_444.sampling = JS_444;
+  q90_444.quality = 90;
+  q75_422.sampling = JS_422;
+  q75_422.quality = 75;
+  restarts.restartInterval = 3;
+  const std::vector<uint8_t> streams[] = {
+      EncodeOurs(jpegpeer::Scene(250, 190, 3), q85_411), EncodeOurs(jpegpeer::Scene(97, 131, 3), q90_444),
+      EncodeOurs(jpegpeer::Scene(61, 45, 3), q75_422),   EncodeOurs(jpegpeer::Scene(130, 77, 1), q85_411),
+      EncodeOurs(Noise(120, 70, 3), restarts)};
+  for (size_t i = 0; i < std::size(streams); ++i) {
+    // As written, then cut short inside the scan (the rows past the cut decode as far as they go).
+    for (size_t keep : {streams[i].size(), streams[i].size() * 2 / 3}) {
+      const std::vector<uint8_t> stream(streams[i].begin(), streams[i].begin() + long(keep));
+      jpegpeer::Image single, team;
+      JERRCODE singleStatus, teamStatus;
+      {
+        testsupport::ScopedTeam one(1);
+        singleStatus = DecodeOurs(stream, single);
+      }
+      {
+        testsupport::ScopedTeam two(2);
+        teamStatus = DecodeOurs(stream, team);
+      }
+      EXPECT_EQ(teamStatus, singleStatus) << "stream " << i << " bytes " << keep;
+      if (keep == streams[i].size()) {
+        EXPECT_EQ(singleStatus, JPEG_OK) << "stream " << i;
+        EXPECT_EQ(team.pixels, single.pixels) << "stream " << i;
+      }
     }
   }
 }

@@ -208,6 +208,10 @@ JERRCODE CJPEGDecoder::DecodeRowsDirect(const std::function<JERRCODE(bool)>& bef
         }
         finished.store(true, std::memory_order_release);
         if (alone) transformUpTo(decoded.load(std::memory_order_relaxed));
+        // Waits for the last transforms here, yielding its core, rather than
+        // spinning at the team's barrier.
+        while (transformed.load(std::memory_order_acquire) < decoded.load(std::memory_order_relaxed))
+          std::this_thread::yield();
       }
       if (omp_get_thread_num() == 1) {
         for (;;) {

@@ -1,9 +1,10 @@
 #pragma once
 // The JPEG encoder: SetSource, SetDestination, SetParams (or
 // SetParamsLossless), WriteHeader, WriteData, in that order. Baseline and
-// extended frames go MCU row by MCU row through a pipeline over the OpenMP
-// team: the rows' transforms overlap, and the entropy coder takes the rows in
-// order. Every call answers a JERRCODE status.
+// extended frames go MCU row by MCU row over the OpenMP team: without
+// restarts each thread transforms and codes a run of rows and the runs are
+// joined; with restarts the rows' transforms overlap and the entropy coder
+// takes the rows in order. Every call answers a JERRCODE status.
 #include <cstdint>
 #include <string>
 #include <vector>

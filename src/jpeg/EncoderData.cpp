@@ -1,7 +1,8 @@
 // Encoder data: each MCU row is colour-converted, downsampled, transformed
 // and quantised into the components' coefficient blocks; the entropy coder
-// then writes the rows in order. With a team, the rows go round the threads
-// and each is coded, in an ordered section, once the row before it has been.
+// then writes the rows in order. With a team and restarts, the rows go round
+// the threads and each is coded, in an ordered section, once the row before
+// it has been; without restarts the scan is split (EncoderSplit.cpp).
 
 #include <algorithm>
 #include <cstring>

@@ -1,9 +1,10 @@
 #pragma once
 // The JPEG encoder: SetSource, SetDestination, SetParams (or
 // SetParamsLossless), WriteHeader, WriteData, in that order. Baseline and
-// extended frames go MCU row by MCU row through a pipeline over the OpenMP
-// team: the rows' transforms overlap, and the entropy coder takes the rows in
-// order. Every call answers a JERRCODE status.
+// extended frames go MCU row by MCU row over the OpenMP team: without
+// restarts each thread transforms and codes a run of rows and the runs are
+// joined; with restarts the rows' transforms overlap and the entropy coder
+// takes the rows in order. Every call answers a JERRCODE status.
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -69,6 +70,19 @@ class CJPEGEncoder {
   void TransformRowOf(const Rows& kernels, int mcuRow, uint8_t* scratch, const CoefRow& dst);
   void TransformAll();
   JERRCODE CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart);
+  int BlocksPerMcu() const;
+  // Codes the blocks of MCU `mx` of a row, the DC predictions in `lastDc`.
+  void CodeMcu(const CoefRow& row, int mx, CJPEGEncoderHuffmanState& state, int32_t lastDc[4]) const;
+  // A scan without restarts cut into one run of MCU rows per thread: each
+  // thread transforms and codes its run into bits of its own, and the runs
+  // are joined in order into the single-threaded stream (EncoderSplit.cpp).
+  JERRCODE CodeSplit();
+  struct Part {
+    std::vector<uint8_t> bytes;  // coded and stuffed as if the run began the scan
+    size_t used = 0;
+    CJPEGEncoderHuffmanState tail;  // its bits short of a word
+  };
+  JERRCODE JoinPart(const Part& part);
   JERRCODE CodeSequential();
   JERRCODE FlushBits();
   JERRCODE WriteRestartMarker(int& nextRestart);
@@ -115,6 +129,11 @@ class CJPEGEncoder {
   // One slot per thread, made once in SetParams: the row conversion's
   // scratch, then one MCU row of blocks for the row pipeline.
   CMemoryBuffer m_slotBuffer;
+  // The coded bytes of each thread's run but the first, kept between frames.
+  std::vector<Part> m_parts;
 };
+
+// Worst case of one block's bytes, stuffing included.
+constexpr uint32_t kBlockBytes = 640;
 
 }  // namespace kestrelink::jpeg

@@ -34,8 +34,10 @@ JERRCODE CJPEGDecoder::AllocateCoefficients() {
   }
   const size_t sampleBytes = m_precision > 8 ? 2 : 1;
   if (!m_planeBuffer.Allocate(samples * sampleBytes)) return JPEG_OUT_OF_MEMORY;
-  // Two rows of blocks per thread keep the decoding ahead of the transforms.
-  m_slotCount = m_threads > 1 ? std::min(2 * m_threads, 64) : 1;
+  // A ring of eight MCU rows lets the decoding thread run ahead of the
+  // transforms by several rows at a time, so that the two threads seldom
+  // wait on each other.
+  m_slotCount = m_threads > 1 ? 8 : 1;
   m_slotBlocks = rowBlocks;
   if (!m_slotBuffer.Allocate(rowBlocks * 64 * sizeof(int16_t) * size_t(m_slotCount))) return JPEG_OUT_OF_MEMORY;
   if (!m_convertScratch.Allocate(size_t(RowScratchSamples()) * 6 * sampleBytes)) return JPEG_OUT_OF_MEMORY;

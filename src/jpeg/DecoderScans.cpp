@@ -4,6 +4,9 @@
 // natural order; damaged codes give zeros, never a write outside the block.
 #include <atomic>
 #include <cstring>
+#include <thread>
+
+#include <omp.h>
 
 #include "jpeg/CJPEGDecoder.h"
 #include "jpeg/JpegTables.h"
@@ -126,9 +129,11 @@ void CJPEGDecoder::DecodeMcu(int16_t* const row[4], int mx) {
 }
 
 // A sequential scan of every component: each MCU row is decoded into a slot
-// and inverse-transformed straight into the planes. With a team, one thread
-// decodes the rows in order and hands each row's transform to the team as a
-// task; a slot is taken again once its last row's transform is done.
+// and inverse-transformed straight into the planes, and the output rows are
+// converted behind the transforms. With a team, one thread decodes the rows
+// in order and a second transforms and converts behind it (further threads
+// have no part in this stage); a slot is taken again once its last row's
+// transform is done.
 // No per-block or per-row allocation: the slots are made with the planes.
 JERRCODE CJPEGDecoder::DecodeRowsDirect(const std::function<JERRCODE(bool)>& beforeMcu) {
   MakeDequantTables();
@@ -170,31 +175,57 @@ JERRCODE CJPEGDecoder::DecodeRowsDirect(const std::function<JERRCODE(bool)>& bef
       m_converted = true;
     }
   } else {
-    std::atomic<bool> free[64];
-    for (int i = 0; i < m_slotCount; ++i) free[i].store(true, std::memory_order_relaxed);
-#pragma omp parallel num_threads(m_threads)
-#pragma omp single
-    {
-      for (int my = 0; my < m_mcusY && status == JPEG_OK; ++my) {
-        std::atomic<bool>& mine = free[my % m_slotCount];
-        if (!mine.load(std::memory_order_acquire)) {
-          // The transforms are a whole ring behind: wait for them (running
-          // them here if the team is one thread).
-#pragma omp taskwait
-        }
-        mine.store(false, std::memory_order_relaxed);
+    // A team: the first thread decodes the rows in order into the ring of
+    // slots; the second takes each row once it is decoded, transforms it
+    // and converts the output rows behind it, as the single thread does.
+    // The hand-offs are two counters; a thread that waits gives up its core.
+    const bool convert = m_dctScale == 1 && m_dst && CheckOutput() == JPEG_OK;
+    std::atomic<int> decoded{0}, transformed{0};
+    std::atomic<bool> finished{false};
+    auto transformUpTo = [&](int rows) {
+      for (int my = transformed.load(std::memory_order_relaxed); my < rows; ++my) {
         int16_t* row[4];
         slot(my, row);
-        status = decodeRow(my, row);
-        if (status != JPEG_OK) break;
-#pragma omp task firstprivate(my)
-        {
-          int16_t* taskRow[4];
-          slot(my, taskRow);
-          transformRow(my, taskRow);
-          free[my % m_slotCount].store(true, std::memory_order_release);
+        transformRow(my, row);
+        if (convert && my > 0) ConvertRange((my - 1) * m_mcuHeight, my * m_mcuHeight);
+        transformed.store(my + 1, std::memory_order_release);
+      }
+    };
+#pragma omp parallel num_threads(2)
+    {
+      const bool alone = omp_get_num_threads() == 1;
+      if (omp_get_thread_num() == 0) {
+        for (int my = 0; my < m_mcusY; ++my) {
+          while (my - transformed.load(std::memory_order_acquire) >= m_slotCount) {
+            if (alone) transformUpTo(my);
+            else std::this_thread::yield();
+          }
+          int16_t* row[4];
+          slot(my, row);
+          status = decodeRow(my, row);
+          if (status != JPEG_OK) break;
+          decoded.store(my + 1, std::memory_order_release);
+        }
+        finished.store(true, std::memory_order_release);
+        if (alone) transformUpTo(decoded.load(std::memory_order_relaxed));
+        // Waits for the last transforms here, yielding its core, rather than
+        // spinning at the team's barrier.
+        while (transformed.load(std::memory_order_acquire) < decoded.load(std::memory_order_relaxed))
+          std::this_thread::yield();
+      }
+      if (omp_get_thread_num() == 1) {
+        for (;;) {
+          const bool last = finished.load(std::memory_order_acquire);
+          const int rows = decoded.load(std::memory_order_acquire);
+          if (rows > transformed.load(std::memory_order_relaxed)) transformUpTo(rows);
+          else if (last) break;
+          else std::this_thread::yield();
         }
       }
+    }
+    if (convert && status == JPEG_OK) {
+      ConvertRange((m_mcusY - 1) * m_mcuHeight, m_height);
+      m_converted = true;
     }
   }
   if (status != JPEG_OK) return status;

@@ -1,7 +1,8 @@
 // Encoder data: each MCU row is colour-converted, downsampled, transformed
 // and quantised into the components' coefficient blocks; the entropy coder
-// then writes the rows in order. With a team, the rows go round the threads
-// and each is coded, in an ordered section, once the row before it has been.
+// then writes the rows in order. With a team and restarts, the rows go round
+// the threads and each is coded, in an ordered section, once the row before
+// it has been; without restarts the scan is split (EncoderSplit.cpp).
 
 #include <algorithm>
 #include <cstring>
@@ -13,9 +14,6 @@
 
 namespace kestrelink::jpeg {
 namespace {
-
-// Worst case of one block's bytes, stuffing included.
-constexpr uint32_t kBlockBytes = 640;
 
 template <class T>
 void FillPadding(T* row, int w, int paddedW) {
@@ -111,11 +109,7 @@ void CJPEGEncoder::TransformAll() {
 }
 
 JERRCODE CJPEGEncoder::CodeRow(const CoefRow& row, int& restartsLeft, int& nextRestart) {
-  const int perMcu = [&] {
-    int n = 0;
-    for (int c = 0; c < m_jpegChannels; ++c) n += m_comp[c].h * m_comp[c].v;
-    return n;
-  }();
+  const int perMcu = BlocksPerMcu();
   for (int mx = 0; mx < m_mcusX; ++mx) {
     if (m_restartInterval > 0) {
       if (restartsLeft == 0) {
@@ -128,16 +122,29 @@ JERRCODE CJPEGEncoder::CodeRow(const CoefRow& row, int& restartsLeft, int& nextR
     if (JERRCODE s = m_out.Reserve(kBlockBytes * uint32_t(perMcu))) return s;
     uint8_t* base = m_out.Current();
     m_state.m_out = base;
-    for (int c = 0; c < m_jpegChannels; ++c) {
-      CJPEGColorComponent& comp = m_comp[c];
-      for (int by = 0; by < comp.v; ++by)
-        for (int bx = 0; bx < comp.h; ++bx)
-          EncodeBlock(m_state, row.comp[c] + (size_t(by) * comp.blocksX + mx * comp.h + bx) * 64, comp.lastDc,
-                      m_dcTable[comp.dcTable], m_acTable[comp.acTable]);
-    }
+    int32_t lastDc[4];
+    for (int c = 0; c < m_jpegChannels; ++c) lastDc[c] = m_comp[c].lastDc;
+    CodeMcu(row, mx, m_state, lastDc);
+    for (int c = 0; c < m_jpegChannels; ++c) m_comp[c].lastDc = lastDc[c];
     m_out.Advance(uint32_t(m_state.m_out - base));
   }
   return JPEG_OK;
+}
+
+int CJPEGEncoder::BlocksPerMcu() const {
+  int n = 0;
+  for (int c = 0; c < m_jpegChannels; ++c) n += m_comp[c].h * m_comp[c].v;
+  return n;
+}
+
+void CJPEGEncoder::CodeMcu(const CoefRow& row, int mx, CJPEGEncoderHuffmanState& state, int32_t lastDc[4]) const {
+  for (int c = 0; c < m_jpegChannels; ++c) {
+    const CJPEGColorComponent& comp = m_comp[c];
+    for (int by = 0; by < comp.v; ++by)
+      for (int bx = 0; bx < comp.h; ++bx)
+        EncodeBlock(state, row.comp[c] + (size_t(by) * comp.blocksX + mx * comp.h + bx) * 64, lastDc[c],
+                    m_dcTable[comp.dcTable], m_acTable[comp.acTable]);
+  }
 }
 
 void CJPEGEncoder::OptimiseTables() {
@@ -180,7 +187,9 @@ JERRCODE CJPEGEncoder::CodeSequential() {
   int restartsLeft = m_restartInterval, nextRestart = 0;
   JERRCODE status = JPEG_OK;
   const int rows = m_mcusY;
-  if (m_coefReady || m_threads <= 1) {
+  if (m_threads > 1 && m_restartInterval == 0 && m_mcusY > 1) {
+    status = CodeSplit();
+  } else if (m_coefReady || m_threads <= 1) {
     const CoefRow slot = SlotRow(0);
     for (int r = 0; r < rows && status == JPEG_OK; ++r) {
       if (!m_coefReady) TransformRow(r, SlotScratch(0), slot);

@@ -1,5 +1,5 @@
 #pragma once
-// Huffman decoding: tables with a 9-bit lookahead (and, for AC tables, a
+// Huffman decoding: tables with a 11-bit lookahead (and, for AC tables, a
 // second lookahead that decodes a short code together with its magnitude
 // bits and run), and the bit reader over the input stream. The reader stops
 // at a marker and feeds zero bits from there, so that the marker stays in the
@@ -12,7 +12,7 @@ namespace kestrelink::jpeg {
 
 class CJPEGDecoderHuffmanTable {
  public:
-  static constexpr int kLookBits = 9;
+  static constexpr int kLookBits = 11;
   // False if the counts name more than 256 values or overrun the code space.
   bool Init(const uint8_t bits[16], const uint8_t* values, int count);
   bool m_defined = false;

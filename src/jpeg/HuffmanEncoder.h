@@ -45,6 +45,10 @@ class CJPEGEncoderHuffmanState {
   }
   // Pads the last byte with one bits and writes it.
   void PadToByte();
+  // The bits not yet written: `PendingCount()` of them, in the low bits of
+  // `PendingBits()`.
+  uint32_t PendingCount() const { return m_count; }
+  uint64_t PendingBits() const { return m_acc & ((uint64_t(1) << m_count) - 1); }
 
   uint8_t* m_out = nullptr;
 

@@ -1,7 +1,12 @@
 // The 8-bit block transforms held in AVX2 registers: the same sums as the
 // portable kernels (JpegKernelBody.h), a row of eight 32-bit lanes to a
 // register, transposed in registers and stored as packed rows, so every
-// variant that includes this gives the portable variant's bytes. Included
+// variant that includes this gives the portable variant's bytes. The
+// rotations' products are regrouped into multiply-adds of word pairs
+// (vpmaddwd), one weight per input: the same integer sums, modulo 2^32 as
+// the portable ones, whenever every factor fits a word. The forward
+// transform's always do (8-bit samples); the inverse checks its factors and
+// keeps 32-bit products for a block that a damaged stream makes too large. Included
 // by the AVX2 and AVX-512 units inside their own namespaces; the zigzag
 // order of the forward transform's output is the including unit's step.
 // The unit includes <immintrin.h> first (this file sits inside its
@@ -36,7 +41,36 @@ inline void Transpose8(V r[8]) {
   r[7] = _mm256_permute2x128_si256(u3, u7, 0x31);
 }
 
-// One forward pass down the registers (d[k] is row k); `kLast` is the final pass.
+// Two 32-bit registers whose values fit words, as word pairs: a | b << 16.
+inline V Pair(V a, V b) { return _mm256_blend_epi16(a, _mm256_slli_epi32(b, 16), 0xAA); }
+inline V Weights(int32_t low, int32_t high) {
+  return _mm256_set1_epi32(int32_t(uint32_t(uint16_t(low)) | (uint32_t(uint16_t(high)) << 16)));
+}
+inline V MulAdd(V pair, int32_t low, int32_t high) { return _mm256_madd_epi16(pair, Weights(low, high)); }
+
+// The even rotation: c2 = t12 F0541 + t13 (F0541 + F0765), c6 = t12 (F0541 -
+// F1847) + t13 F0541 (z1 = (t12 + t13) F0541 spread over its terms).
+inline void EvenRotation(V t12, V t13, V& c2, V& c6) {
+  const V p = Pair(t12, t13);
+  c2 = MulAdd(p, F0541, F0541 + F0765);
+  c6 = MulAdd(p, F0541 - F1847, F0541);
+}
+
+// The odd part's four sums of t4 .. t7 (the forward names; the inverse's
+// d7, d5, d3, d1), each input's weight gathered from z5 and the a1 .. a4
+// terms: c7 is t4 F0298 + a1 + a3, c5 t5 F2053 + a2 + a4, c3 t6 F3072 + a2 +
+// a3, c1 t7 F1501 + a1 + a4.
+inline void OddSums(V t4, V t5, V t6, V t7, V& c7, V& c5, V& c3, V& c1) {
+  const V p45 = Pair(t4, t5), p67 = Pair(t6, t7);
+  c7 = Add(MulAdd(p45, F0298 - F0899 - F1961 + F1175, F1175), MulAdd(p67, F1175 - F1961, F1175 - F0899));
+  c5 = Add(MulAdd(p45, F1175, F2053 - F2562 - F0390 + F1175), MulAdd(p67, F1175 - F2562, F1175 - F0390));
+  c3 = Add(MulAdd(p45, F1175 - F1961, F1175 - F2562), MulAdd(p67, F3072 - F2562 - F1961 + F1175, F1175));
+  c1 = Add(MulAdd(p45, F1175 - F0899, F1175 - F0390), MulAdd(p67, F1175, F1501 - F0899 - F0390 + F1175));
+}
+
+// One forward pass down the registers (d[k] is row k); `kLast` is the final
+// pass. Its factors are differences of at most four samples' worth of the
+// first pass (|value| < 2^14), so every one fits a word.
 template <bool kLast>
 inline void ForwardPass(V d[8]) {
   constexpr int shiftEven = kLast ? kPass1Bits : 0;
@@ -55,16 +89,15 @@ inline void ForwardPass(V d[8]) {
     d[0] = _mm256_slli_epi32(Add(t10, t11), kPass1Bits);
     d[4] = _mm256_slli_epi32(Sub(t10, t11), kPass1Bits);
   }
-  const V z1 = Mul(Add(t12, t13), F0541);
-  d[2] = _mm256_srai_epi32(Add(Add(z1, Mul(t13, F0765)), roundOdd), shiftOdd);
-  d[6] = _mm256_srai_epi32(Add(Sub(z1, Mul(t12, F1847)), roundOdd), shiftOdd);
-  const V z5 = Mul(Add(Add(t4, t6), Add(t5, t7)), F1175);
-  const V a1 = Mul(Add(t4, t7), -F0899), a2 = Mul(Add(t5, t6), -F2562);
-  const V a3 = Add(Mul(Add(t4, t6), -F1961), z5), a4 = Add(Mul(Add(t5, t7), -F0390), z5);
-  d[7] = _mm256_srai_epi32(Add(Add(Mul(t4, F0298), Add(a1, a3)), roundOdd), shiftOdd);
-  d[5] = _mm256_srai_epi32(Add(Add(Mul(t5, F2053), Add(a2, a4)), roundOdd), shiftOdd);
-  d[3] = _mm256_srai_epi32(Add(Add(Mul(t6, F3072), Add(a2, a3)), roundOdd), shiftOdd);
-  d[1] = _mm256_srai_epi32(Add(Add(Mul(t7, F1501), Add(a1, a4)), roundOdd), shiftOdd);
+  V c2, c6, c7, c5, c3, c1;
+  EvenRotation(t12, t13, c2, c6);
+  OddSums(t4, t5, t6, t7, c7, c5, c3, c1);
+  d[2] = _mm256_srai_epi32(Add(c2, roundOdd), shiftOdd);
+  d[6] = _mm256_srai_epi32(Add(c6, roundOdd), shiftOdd);
+  d[7] = _mm256_srai_epi32(Add(c7, roundOdd), shiftOdd);
+  d[5] = _mm256_srai_epi32(Add(c5, roundOdd), shiftOdd);
+  d[3] = _mm256_srai_epi32(Add(c3, roundOdd), shiftOdd);
+  d[1] = _mm256_srai_epi32(Add(c1, roundOdd), shiftOdd);
 }
 
 // The forward transform and quantiser: four registers of 16 coefficients in
@@ -88,24 +121,33 @@ inline void FdctQuantTransposed(const uint8_t* src, intptr_t step, const Forward
   for (int i = 0; i < 4; ++i) out[i] = _mm256_permute4x64_epi64(_mm256_packs_epi32(q[2 * i], q[2 * i + 1]), 0xD8);
 }
 
-// One inverse pass down the registers; `kLast` is the final pass (adds 128).
-template <bool kLast>
+// One inverse pass down the registers; `kLast` is the final pass (adds
+// 128). `kWords`: the factors d1, d2, d3, d5, d6, d7 fit words, and the
+// rotations are multiply-adds; else 32-bit products.
+template <bool kLast, bool kWords>
 inline void InversePass(V d[8]) {
   constexpr int shift = kLast ? kConstBits + kPass1Bits + 3 : kConstBits - kPass1Bits;
   const V round = Set(int32_t((1u << (shift - 1)) + (kLast ? (128u << shift) : 0)));
-  const V z1 = Mul(Add(d[2], d[6]), F0541);
-  const V e2 = Sub(z1, Mul(d[6], F1847)), e3 = Add(z1, Mul(d[2], F0765));
+  V e2, e3, o0, o1, o2, o3;
+  if constexpr (kWords) {
+    EvenRotation(d[6], d[2], e3, e2);  // the forward rotation with t12 = d6, t13 = d2
+    OddSums(d[7], d[5], d[3], d[1], o0, o1, o2, o3);
+  } else {
+    const V z1 = Mul(Add(d[2], d[6]), F0541);
+    e2 = Sub(z1, Mul(d[6], F1847));
+    e3 = Add(z1, Mul(d[2], F0765));
+    o0 = d[7], o1 = d[5], o2 = d[3], o3 = d[1];
+    const V z5 = Mul(Add(Add(o0, o2), Add(o1, o3)), F1175);
+    const V a1 = Mul(Add(o0, o3), -F0899), a2 = Mul(Add(o1, o2), -F2562);
+    const V a3 = Add(Mul(Add(o0, o2), -F1961), z5), a4 = Add(Mul(Add(o1, o3), -F0390), z5);
+    o0 = Add(Mul(o0, F0298), Add(a1, a3));
+    o1 = Add(Mul(o1, F2053), Add(a2, a4));
+    o2 = Add(Mul(o2, F3072), Add(a2, a3));
+    o3 = Add(Mul(o3, F1501), Add(a1, a4));
+  }
   const V e0 = Add(_mm256_slli_epi32(Add(d[0], d[4]), kConstBits), round);
   const V e1 = Add(_mm256_slli_epi32(Sub(d[0], d[4]), kConstBits), round);
   const V t10 = Add(e0, e3), t13 = Sub(e0, e3), t11 = Add(e1, e2), t12 = Sub(e1, e2);
-  V o0 = d[7], o1 = d[5], o2 = d[3], o3 = d[1];
-  const V z5 = Mul(Add(Add(o0, o2), Add(o1, o3)), F1175);
-  const V a1 = Mul(Add(o0, o3), -F0899), a2 = Mul(Add(o1, o2), -F2562);
-  const V a3 = Add(Mul(Add(o0, o2), -F1961), z5), a4 = Add(Mul(Add(o1, o3), -F0390), z5);
-  o0 = Add(Mul(o0, F0298), Add(a1, a3));
-  o1 = Add(Mul(o1, F2053), Add(a2, a4));
-  o2 = Add(Mul(o2, F3072), Add(a2, a3));
-  o3 = Add(Mul(o3, F1501), Add(a1, a4));
   d[0] = _mm256_srai_epi32(Add(t10, o3), shift);
   d[7] = _mm256_srai_epi32(Sub(t10, o3), shift);
   d[1] = _mm256_srai_epi32(Add(t11, o2), shift);
@@ -114,6 +156,15 @@ inline void InversePass(V d[8]) {
   d[5] = _mm256_srai_epi32(Sub(t12, o1), shift);
   d[3] = _mm256_srai_epi32(Add(t13, o0), shift);
   d[4] = _mm256_srai_epi32(Sub(t13, o0), shift);
+}
+
+// Whether rows 1, 2, 3, 5, 6 and 7 (the rotations' factors) fit words.
+inline bool FactorsFitWords(const V d[8]) {
+  const V bias = Set(0x8000);
+  V over = _mm256_setzero_si256();
+  for (int k = 1; k < 8; ++k)
+    if (k != 4) over = _mm256_or_si256(over, Add(d[k], bias));
+  return _mm256_testz_si256(over, Set(int32_t(0xFFFF0000u)));
 }
 
 // A block whose only nonzero coefficient is DC: every sum but the DC's is
@@ -143,13 +194,30 @@ inline void IdctStore(const int16_t* coef, const int32_t* dequant, uint8_t* dst,
     StoreDcOnly(coef, dequant, dst, step);
     return;
   }
-  V r[8];
-  for (int v = 0; v < 8; ++v)
-    r[v] = _mm256_mullo_epi32(_mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(coef + v * 8))),
-                              _mm256_loadu_si256(reinterpret_cast<const V*>(dequant + v * 8)));
-  InversePass<false>(r);  // down the columns first
+  V r[8], dq[8];
+  V dqOver = _mm256_setzero_si256();
+  for (int v = 0; v < 8; ++v) {
+    dq[v] = _mm256_loadu_si256(reinterpret_cast<const V*>(dequant + v * 8));
+    dqOver = _mm256_or_si256(dqOver, dq[v]);
+  }
+  // Entries below 2^15 make each product one multiply-add (the coefficient's
+  // sign word meets a zero word).
+  const bool smallTable = _mm256_testz_si256(dqOver, Set(int32_t(0xFFFF8000u)));
+  for (int v = 0; v < 8; ++v) {
+    const V c = _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(coef + v * 8)));
+    r[v] = smallTable ? _mm256_madd_epi16(c, dq[v]) : _mm256_mullo_epi32(c, dq[v]);
+  }
+  // Down the columns first; the same sums either way.
+  if (FactorsFitWords(r))
+    InversePass<false, true>(r);
+  else
+    InversePass<false, false>(r);
   Transpose8(r);
-  InversePass<true>(r);  // along the rows: r[x] lane y
+  // Along the rows: r[x] lane y.
+  if (FactorsFitWords(r))
+    InversePass<true, true>(r);
+  else
+    InversePass<true, false>(r);
   Transpose8(r);         // r[y] lane x
   // Saturating packs clamp to 0 .. 255; the lanes' order is put right by one permute.
   const V order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);

@@ -1,6 +1,6 @@
 // The JPEG kernels built for the AVX2 variant (compile flags come from the
-// file name): the body's row kernels, and the 8-bit block transforms in
-// registers.
+// file name): the body's row kernels, and the 8-bit colour conversions and
+// block transforms in registers.
 #include <immintrin.h>
 
 #include "jpeg/JpegKernels.h"
@@ -9,6 +9,7 @@ namespace kestrelink::jpeg {
 namespace avx2_variant {
 #include "jpeg/JpegKernelBody.h"
 #include "jpeg/JpegBlocksAvx2.h"
+#include "jpeg/JpegColourAvx2.h"
 
 void FdctQuantAvx2(const uint8_t* src, intptr_t step, const ForwardQuant& quant, int16_t* zigzag) {
   alignas(32) int16_t transposed[64];
@@ -22,6 +23,8 @@ constexpr JpegKernels MakeTable() {
   JpegKernels t = kTable;
   t.fdct_quant = FdctQuantAvx2;
   t.idct_store = blocks::IdctStore;
+  t.pixels_to_ycc = colour::PixelsToYcc;
+  t.ycc_to_pixels = colour::YccToPixels;
   return t;
 }
 

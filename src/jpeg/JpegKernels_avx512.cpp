@@ -1,6 +1,7 @@
 // The JPEG kernels built for the AVX512 variant (compile flags come from the
-// file name): the body's row kernels, and the 8-bit block transforms in
-// registers, the forward one's zigzag order made by two word permutes.
+// file name): the body's row kernels, and the 8-bit colour conversions and
+// block transforms in registers, the forward transform's zigzag order made
+// by two word permutes.
 #include <immintrin.h>
 
 #include "jpeg/JpegKernels.h"
@@ -9,6 +10,7 @@ namespace kestrelink::jpeg {
 namespace avx512_variant {
 #include "jpeg/JpegKernelBody.h"
 #include "jpeg/JpegBlocksAvx2.h"
+#include "jpeg/JpegColourAvx2.h"
 
 void FdctQuantAvx512(const uint8_t* src, intptr_t step, const ForwardQuant& quant, int16_t* zigzag) {
   // Word k of each index: the transposed position of zigzag coefficient k (or k + 32).
@@ -42,6 +44,8 @@ constexpr JpegKernels MakeTable() {
   JpegKernels t = kTable;
   t.fdct_quant = FdctQuantAvx512;
   t.idct_store = blocks::IdctStore;
+  t.pixels_to_ycc = colour::PixelsToYcc;
+  t.ycc_to_pixels = colour::YccToPixels;
   return t;
 }
 

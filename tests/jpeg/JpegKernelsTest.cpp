@@ -10,6 +10,7 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "jpeg/JpegKernels.h"
 #include "jpeg/JpegTables.h"
@@ -164,17 +165,27 @@ TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
   ScaleQuantTable(kLumaQuantZigzag, 75, table);
   ForwardQuant quant;
   MakeForwardQuant(table, quant);
-  int32_t dequant[64], huge[64];
+  int32_t dequant[64], huge[64], ones[64];
   MakeDequant(table, dequant);
   for (int32_t& q : huge) q = 65535;
-  for (int b = 0; b < 300; ++b) {
+  for (int32_t& q : ones) q = 1;
+  for (int b = 0; b < 364; ++b) {
     alignas(64) uint8_t samples[16 * 8];
     alignas(64) int16_t coef[64];
     for (uint8_t& s : samples) s = b % 3 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+    if (b >= 300) {
+      // Samples 0 or 255 by the sign of one basis function: the largest
+      // value of that coefficient, and of the sums that lead to it.
+      const int u = (b - 300) % 8, v = (b - 300) / 8;
+      for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x) samples[y * 16 + x + 3] = Basis(u, x) * Basis(v, y) >= 0 ? 255 : 0;
+    }
     for (int16_t& c : coef) c = int16_t(b % 2 ? int(rng() % 65536) - 32768 : int(rng() % 61) - 30);
     if (b % 5 >= 3) std::fill(coef + 1, coef + 64, int16_t(0));  // DC alone, of every size
     if (b % 5 == 4 && b % 2) coef[16 * (b % 3 + 1)] = int16_t(b);  // and DC with one more in the first column
-    const int32_t* dq = b % 4 == 1 ? huge : dequant;
+    // A table of ones leaves large coefficients as they are: their first
+    // pass fits words only now and then.
+    const int32_t* dq = b % 4 == 1 ? huge : b % 8 == 3 ? ones : dequant;
     int16_t zigzagRef[64];
     uint8_t outRef[8 * 16];
     {
@@ -192,6 +203,85 @@ TEST(JpegKernels, EveryVariantMatchesThePortableBlocks) {
         ASSERT_EQ(zigzag[i], zigzagRef[i]) << kestrelink::VariantName(variant) << " block " << b << " at " << i;
         ASSERT_EQ(out[(i / 8) * 16 + i % 8], outRef[(i / 8) * 16 + i % 8])
             << kestrelink::VariantName(variant) << " block " << b << " at " << i;
+      }
+    }
+  }
+}
+
+}  // namespace
+
+namespace {
+
+// The vector colour conversions against the portable ones, byte for byte:
+// every pixel layout, widths around the vectors' group sizes (the tails go
+// through the portable loop), random colours and the cube's corners, with
+// guard bytes after each row that no kernel may touch.
+TEST(JpegKernels, EveryVariantMatchesThePortableColourRows) {
+  std::mt19937 rng(5);
+  for (uint32_t bytes : {3u, 4u})
+    for (uint32_t red : {0u, 2u})
+      for (uint32_t w : {1u, 15u, 16u, 17u, 31u, 32u, 33u, 48u, 70u, 129u}) {
+        std::vector<uint8_t> pixels(size_t(w) * bytes), y(w), cb(w), cr(w);
+        for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = i % 7 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+        for (size_t i = 0; i < w; ++i) {
+          y[i] = uint8_t(rng());
+          cb[i] = i % 5 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+          cr[i] = i % 3 == 0 ? uint8_t((rng() & 1) * 255) : uint8_t(rng());
+        }
+        std::vector<uint8_t> yRef(w), cbRef(w), crRef(w), outRef(size_t(w) * bytes);
+        {
+          testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+          Kernels().pixels_to_ycc(pixels.data(), bytes, red, yRef.data(), cbRef.data(), crRef.data(), w);
+          Kernels().ycc_to_pixels(y.data(), cb.data(), cr.data(), outRef.data(), bytes, red, w);
+        }
+        for (auto variant : testsupport::RunnableVariants()) {
+          testsupport::ScopedVariant scoped(variant);
+          const std::string where = std::string(kestrelink::VariantName(variant)) + " bytes " + std::to_string(bytes) +
+                                    " red " + std::to_string(red) + " width " + std::to_string(w);
+          std::vector<uint8_t> planes(3 * (w + 8), 0xA5), out(size_t(w) * bytes + 8, 0xA5);
+          uint8_t* yo = planes.data();
+          uint8_t* cbo = yo + w + 8;
+          uint8_t* cro = cbo + w + 8;
+          Kernels().pixels_to_ycc(pixels.data(), bytes, red, yo, cbo, cro, w);
+          Kernels().ycc_to_pixels(y.data(), cb.data(), cr.data(), out.data(), bytes, red, w);
+          EXPECT_TRUE(std::equal(yRef.begin(), yRef.end(), yo)) << where;
+          EXPECT_TRUE(std::equal(cbRef.begin(), cbRef.end(), cbo)) << where;
+          EXPECT_TRUE(std::equal(crRef.begin(), crRef.end(), cro)) << where;
+          EXPECT_TRUE(std::equal(outRef.begin(), outRef.end(), out.begin())) << where;
+          for (int g = 0; g < 8; ++g) {
+            EXPECT_EQ(yo[w + g], 0xA5) << where;
+            EXPECT_EQ(cbo[w + g], 0xA5) << where;
+            EXPECT_EQ(cro[w + g], 0xA5) << where;
+            EXPECT_EQ(out[size_t(w) * bytes + g], 0xA5) << where;
+          }
+        }
+      }
+}
+
+// Known colours written out from the full-range weights (in 65536ths,
+// rounded half up): a row of 40 so that the vector groups see them too.
+TEST(JpegKernels, ColourRowsGiveTheFullRangeValues) {
+  struct Known {
+    uint8_t r, g, b, y, cb, cr;
+  };
+  // Y = (19595 R + 38470 G + 7471 B + 32768) >> 16; Cb, Cr centred on 128.
+  const Known known[] = {{255, 255, 255, 255, 128, 128}, {0, 0, 0, 0, 128, 128},     {255, 0, 0, 76, 85, 255},
+                         {0, 255, 0, 150, 44, 21},       {0, 0, 255, 29, 255, 107}, {128, 128, 128, 128, 128, 128}};
+  for (auto variant : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(variant);
+    for (const Known& k : known) {
+      constexpr uint32_t w = 40;
+      uint8_t bgr[w * 3], y[w], cb[w], cr[w];
+      for (uint32_t x = 0; x < w; ++x) {
+        bgr[3 * x] = k.b;
+        bgr[3 * x + 1] = k.g;
+        bgr[3 * x + 2] = k.r;
+      }
+      Kernels().pixels_to_ycc(bgr, 3, 2, y, cb, cr, w);
+      for (uint32_t x = 0; x < w; ++x) {
+        ASSERT_EQ(y[x], k.y) << kestrelink::VariantName(variant) << " at " << x;
+        ASSERT_EQ(cb[x], k.cb) << kestrelink::VariantName(variant) << " at " << x;
+        ASSERT_EQ(cr[x], k.cr) << kestrelink::VariantName(variant) << " at " << x;
       }
     }
   }

@@ -58,7 +58,7 @@ bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void
   const auto [one, two, both] = RegionsOf(*this, 8);
   const uint8_t* ratio = ratioTable.data();
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
       [&](uint8_t a, uint8_t b) { return both(ratio[a * 256 + b]); }, BgrNeither{Bgr{0, 0, 0}});
   return true;
@@ -80,7 +80,7 @@ bool CIppImageMerger::SubMono16ToBGRByHSL(uint32_t width1, uint32_t height1, uin
   const auto [one, two, both] = RegionsOf(*this, bitDepth);
   const auto light = [top, bitDepth](uint16_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
       [&](uint16_t a, uint16_t b) {
         const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
@@ -103,7 +103,7 @@ bool CIppImageMerger::MergeMono8ToBGRByHSL(uint32_t width1, uint32_t height1, fl
   const auto [one, two, both] = RegionsOf(*this, 8);
   const int64_t w = BlendWeight(weight);
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
       [&](uint8_t a, uint8_t b) { return both(uint32_t(std::clamp<int64_t>(((256 - w) * b + a * w) >> 8, 0, 255))); },
       BgrNeither{Bgr{0, 0, 0}});
@@ -127,7 +127,7 @@ bool CIppImageMerger::MergeMono16ToBGRByHSL(uint32_t width1, uint32_t height1, u
   const int64_t w = BlendWeight(weight);
   const auto light = [top, bitDepth](uint32_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
       [&](uint16_t a, uint16_t b) {
         const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);

@@ -1,0 +1,49 @@
+#pragma once
+// Row kernels of the merger's 8-bit overlay, one table per processor
+// variant: portable, AVX2 (table look-ups by gathers) and AVX-512 with the
+// byte permutes (a 256-entry byte table in four registers), which needs
+// VBMI besides BW; a processor with AVX-512 but without VBMI takes AVX2.
+// Every variant gives the portable one's bytes.
+#include <cstddef>
+#include <cstdint>
+
+#include "primitives/Variant.h"
+
+namespace kestrelink::merge {
+
+// A colour for every byte value: the B, G and R planes, and the same packed
+// as B | G << 8 | R << 16 for the gathering variant.
+struct ColourTable {
+  uint8_t plane[3][256];
+  uint32_t packed[256];
+};
+
+// Fills `packed` from the planes.
+void PackColourTable(ColourTable& t);
+
+struct MergeRowKernels {
+  // out[i] = ((256 - w) b[i] + w a[i]) >> 8, w within 0 .. 256.
+  void (*blend8)(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w);
+  // The same through a 256-entry byte table.
+  void (*blendLookup8)(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w,
+                       const uint8_t* table);
+  // out[i] = table[in[i]].
+  void (*lookup8)(const uint8_t* in, uint8_t* out, uint32_t n, const uint8_t* table);
+  // out[i] = b[i] == 0 ? byValue[a[i]] : byRatio[min(256 a[i] / b[i], 255)].
+  void (*ratioLookup8)(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, const uint8_t* byRatio,
+                       const uint8_t* byValue);
+  // BGR pixels: bgr[3i ..] = colour of in[i].
+  void (*colour8)(const uint8_t* in, uint8_t* bgr, uint32_t n, const ColourTable& colour);
+  // BGR pixels of the ratio as ratioLookup8 picks it, by byRatio or byValue.
+  void (*ratioColour8)(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, const ColourTable& byRatio,
+                       const ColourTable& byValue);
+};
+
+extern const MergeRowKernels kMergeRowsPortable;
+extern const MergeRowKernels kMergeRowsAVX2;
+extern const MergeRowKernels kMergeRowsAVX512;
+
+// The active variant's kernels (AVX-512 only with VBMI).
+const MergeRowKernels& MergeRows();
+
+}  // namespace kestrelink::merge

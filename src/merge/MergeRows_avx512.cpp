@@ -1,0 +1,166 @@
+// The merger's 8-bit overlay rows with AVX-512 and the byte permutes
+// (VBMI): a 256-entry byte table lies in four registers and is read by two
+// two-register permutes and a blend on the index's top bit, 64 pixels at a
+// time; the last pixels of a row go through masked loads and stores.
+#include <immintrin.h>
+
+#include "merge/MergeRows.h"
+
+namespace kestrelink::merge {
+namespace {
+
+struct PermuteTable {
+  __m512i t0, t1, t2, t3;
+  explicit PermuteTable(const uint8_t* table)
+      : t0(_mm512_loadu_si512(table)),
+        t1(_mm512_loadu_si512(table + 64)),
+        t2(_mm512_loadu_si512(table + 128)),
+        t3(_mm512_loadu_si512(table + 192)) {}
+  __m512i operator()(__m512i v) const {
+    const __m512i low = _mm512_permutex2var_epi8(t0, v, t1), high = _mm512_permutex2var_epi8(t2, v, t3);
+    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(v), low, high);
+  }
+};
+
+// The lanes of the first n bytes (n below 64 gives a partial mask).
+inline __mmask64 FirstBytes(uint32_t n) { return n >= 64 ? ~__mmask64(0) : (__mmask64(1) << n) - 1; }
+
+inline __m512i Load(const uint8_t* p, __mmask64 m) { return _mm512_maskz_loadu_epi8(m, p); }
+inline void Store(uint8_t* p, __mmask64 m, __m512i v) { _mm512_mask_storeu_epi8(p, m, v); }
+
+// ((256 - w) b + w a) >> 8 of 64 pixels; the sum stays below 2^16.
+inline __m512i Blend64(__m512i a, __m512i b, __m512i wa, __m512i wb) {
+  const __m512i zero = _mm512_setzero_si512();
+  const __m512i low = _mm512_srli_epi16(_mm512_add_epi16(_mm512_mullo_epi16(_mm512_unpacklo_epi8(a, zero), wa),
+                                                         _mm512_mullo_epi16(_mm512_unpacklo_epi8(b, zero), wb)),
+                                        8);
+  const __m512i high = _mm512_srli_epi16(_mm512_add_epi16(_mm512_mullo_epi16(_mm512_unpackhi_epi8(a, zero), wa),
+                                                          _mm512_mullo_epi16(_mm512_unpackhi_epi8(b, zero), wb)),
+                                         8);
+  return _mm512_packus_epi16(low, high);
+}
+
+void Blend8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w) {
+  const __m512i wa = _mm512_set1_epi16(int16_t(w)), wb = _mm512_set1_epi16(int16_t(256 - w));
+  for (uint32_t i = 0; i < n; i += 64) {
+    const __mmask64 m = FirstBytes(n - i);
+    Store(out + i, m, Blend64(Load(a + i, m), Load(b + i, m), wa, wb));
+  }
+}
+
+void BlendLookup8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w, const uint8_t* table) {
+  const __m512i wa = _mm512_set1_epi16(int16_t(w)), wb = _mm512_set1_epi16(int16_t(256 - w));
+  const PermuteTable t(table);
+  for (uint32_t i = 0; i < n; i += 64) {
+    const __mmask64 m = FirstBytes(n - i);
+    Store(out + i, m, t(Blend64(Load(a + i, m), Load(b + i, m), wa, wb)));
+  }
+}
+
+void Lookup8(const uint8_t* in, uint8_t* out, uint32_t n, const uint8_t* table) {
+  const PermuteTable t(table);
+  for (uint32_t i = 0; i < n; i += 64) {
+    const __mmask64 m = FirstBytes(n - i);
+    Store(out + i, m, t(Load(in + i, m)));
+  }
+}
+
+// min(256 a / b, 255) of sixteen pixels, quarter J of a and b: the
+// single-precision quotient of integers below 2^16 floors to the integer
+// one, and the narrowing saturates at 255. b is taken as at least 1.
+template <int J>
+inline __m128i RatioQuarter(__m512i a, __m512i b) {
+  const __m512i a32 = _mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(a, J));
+  const __m512i b32 = _mm512_max_epi32(_mm512_cvtepu8_epi32(_mm512_extracti32x4_epi32(b, J)), _mm512_set1_epi32(1));
+  const __m512 q = _mm512_div_ps(_mm512_cvtepi32_ps(_mm512_slli_epi32(a32, 8)), _mm512_cvtepi32_ps(b32));
+  return _mm512_cvtusepi32_epi8(_mm512_cvttps_epi32(q));
+}
+
+inline __m512i Ratio64(__m512i a, __m512i b) {
+  __m512i q = _mm512_castsi128_si512(RatioQuarter<0>(a, b));
+  q = _mm512_inserti32x4(q, RatioQuarter<1>(a, b), 1);
+  q = _mm512_inserti32x4(q, RatioQuarter<2>(a, b), 2);
+  return _mm512_inserti32x4(q, RatioQuarter<3>(a, b), 3);
+}
+
+void RatioLookup8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, const uint8_t* byRatio,
+                  const uint8_t* byValue) {
+  const PermuteTable ratioTable(byRatio), valueTable(byValue);
+  for (uint32_t i = 0; i < n; i += 64) {
+    const __mmask64 m = FirstBytes(n - i);
+    const __m512i va = Load(a + i, m), vb = Load(b + i, m);
+    const __mmask64 zero = _mm512_testn_epi8_mask(vb, vb);
+    Store(out + i, m, _mm512_mask_blend_epi8(zero, ratioTable(Ratio64(va, vb)), valueTable(va)));
+  }
+}
+
+// Three planes of 64 pixels to 192 bytes of BGR: each 64-byte part takes
+// its blue and green bytes by one two-register permute and its red bytes
+// by a masked permute.
+struct Interleave {
+  __m512i blueGreen[3], red[3];
+  __mmask64 redBytes[3];
+  Interleave() {
+    for (int part = 0; part < 3; ++part) {
+      alignas(64) uint8_t bg[64], r[64];
+      __mmask64 mask = 0;
+      for (int j = 0; j < 64; ++j) {
+        const int at = 64 * part + j, pixel = at / 3, channel = at % 3;
+        bg[j] = uint8_t(channel == 0 ? pixel : channel == 1 ? 64 + pixel : 0);
+        r[j] = uint8_t(pixel);
+        if (channel == 2) mask |= __mmask64(1) << j;
+      }
+      blueGreen[part] = _mm512_load_si512(bg);
+      red[part] = _mm512_load_si512(r);
+      redBytes[part] = mask;
+    }
+  }
+  // Stores the first 3n bytes (n at most 64).
+  void Store(uint8_t* p, uint32_t n, __m512i b, __m512i g, __m512i r) const {
+    const uint32_t bytes = 3 * n;
+    for (int part = 0; part < 3; ++part) {
+      if (bytes <= uint32_t(64 * part)) break;
+      const __m512i v = _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(b, blueGreen[part], g), redBytes[part],
+                                                     red[part], r);
+      _mm512_mask_storeu_epi8(p + 64 * part, FirstBytes(bytes - 64 * part), v);
+    }
+  }
+};
+
+const Interleave& Planes() {
+  static const Interleave planes;
+  return planes;
+}
+
+void Colour8(const uint8_t* in, uint8_t* bgr, uint32_t n, const ColourTable& colour) {
+  const PermuteTable blue(colour.plane[0]), green(colour.plane[1]), red(colour.plane[2]);
+  const Interleave& planes = Planes();
+  for (uint32_t i = 0; i < n; i += 64) {
+    const uint32_t count = n - i < 64 ? n - i : 64;
+    const __m512i v = Load(in + i, FirstBytes(count));
+    planes.Store(bgr + 3 * size_t(i), count, blue(v), green(v), red(v));
+  }
+}
+
+void RatioColour8(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, const ColourTable& byRatio,
+                  const ColourTable& byValue) {
+  const PermuteTable ratioBlue(byRatio.plane[0]), ratioGreen(byRatio.plane[1]), ratioRed(byRatio.plane[2]);
+  const PermuteTable valueBlue(byValue.plane[0]), valueGreen(byValue.plane[1]), valueRed(byValue.plane[2]);
+  const Interleave& planes = Planes();
+  for (uint32_t i = 0; i < n; i += 64) {
+    const uint32_t count = n - i < 64 ? n - i : 64;
+    const __mmask64 m = FirstBytes(count);
+    const __m512i va = Load(a + i, m), vb = Load(b + i, m);
+    const __mmask64 zero = _mm512_testn_epi8_mask(vb, vb);
+    const __m512i q = Ratio64(va, vb);
+    planes.Store(bgr + 3 * size_t(i), count, _mm512_mask_blend_epi8(zero, ratioBlue(q), valueBlue(va)),
+                 _mm512_mask_blend_epi8(zero, ratioGreen(q), valueGreen(va)),
+                 _mm512_mask_blend_epi8(zero, ratioRed(q), valueRed(va)));
+  }
+}
+
+}  // namespace
+
+const MergeRowKernels kMergeRowsAVX512 = {Blend8, BlendLookup8, Lookup8, RatioLookup8, Colour8, RatioColour8};
+
+}  // namespace kestrelink::merge

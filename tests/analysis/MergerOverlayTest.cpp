@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "analysis/MergerReference.h"
+#include "merge/MergeLayers.h"
 #include "support/TestSupport.h"
 
 namespace {
@@ -299,6 +300,27 @@ TEST(MergerOverlay, CopiesKeepTheirOwnTablesAndTeamsAgree) {
   EXPECT_EQ(one, two);
   EXPECT_EQ(copy.pseudoRed[1], 0);  // swapped in the copy
   EXPECT_EQ(m.pseudoRed[1], 255);
+}
+
+}  // namespace
+
+namespace {
+
+// The background difference |a - b| by sample, over bands of rows; 16-bit
+// differences are held at the depth's largest value.
+TEST(MergerOverlay, BackgroundDifferenceAndDepthClamp) {
+  using kestrelink::merge::AbsDiffFrame;
+  const Words image = {5000, 0, 4095, 10, 65535, 7}, background = {0, 5000, 0, 20, 0, 7};
+  Words out(6, 0xAAAA);
+  AbsDiffFrame<uint16_t>(3, 2, 4095, image.data(), background.data(), out.data());
+  EXPECT_EQ(out, (Words{4095, 4095, 4095, 10, 4095, 0}));
+  AbsDiffFrame<uint16_t>(3, 2, 65535, image.data(), background.data(), out.data());
+  EXPECT_EQ(out, (Words{5000, 5000, 4095, 10, 65535, 0}));
+  const Bytes bytes = {0, 255, 10, 200, 3, 9}, back = {255, 0, 20, 100, 3, 1};
+  Bytes diff(6, kStale);
+  testsupport::ScopedTeam team(2);
+  AbsDiffFrame<uint8_t>(2, 3, 255, bytes.data(), back.data(), diff.data());
+  EXPECT_EQ(diff, (Bytes{255, 255, 10, 100, 0, 8}));
 }
 
 }  // namespace

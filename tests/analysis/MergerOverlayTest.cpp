@@ -324,3 +324,55 @@ TEST(MergerOverlay, BackgroundDifferenceAndDepthClamp) {
 }
 
 }  // namespace
+
+namespace {
+
+// The 8-bit members on rows long enough for the vector kernels and their
+// tails give every variant's bytes the same as the portable one's.
+TEST(MergerOverlay, EightBitMembersAgreeAcrossVariants) {
+  const Placing wide[] = {{150, 9, 140, 7, 5, 1}, {130, 6, 130, 6, -3, 2}, {200, 4, 67, 5, 70, 0}};
+  for (const Placing& c : wide) {
+    SCOPED_TRACE(testing::Message() << c.w1 << "x" << c.h1 << " + " << c.w2 << "x" << c.h2);
+    Bytes a = testsupport::RandomBytes(size_t(c.w1) * c.h1, 31), b = testsupport::RandomBytes(size_t(c.w2) * c.h2, 32);
+    for (size_t i = 0; i < b.size(); i += 9) b[i] = 0;
+    const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+    const size_t mono = size_t(l.width) * l.height;
+    auto run = [&](int call) {
+      CIppImageMerger m;
+      m.RebuildSlopeLUT(-4, 0.9f, 0);
+      Bytes out(call < 4 ? mono : 3 * mono, kStale);
+      uint8_t *pa = a.data(), *pb = b.data(), *o = out.data();
+      const int x = c.offsetX, y = c.offsetY;
+      switch (call) {
+        case 0: m.SubMono8ToMono8(c.w1, c.h1, pa, nullptr, c.w2, c.h2, pb, nullptr, o, x, y, 0, 0, 2.2, 0, 0, 0, false); break;
+        case 1: m.MergeMono8ToMono8(c.w1, c.h1, pa, 0.3f, c.w2, c.h2, pb, o, x, y, 0, 0, 1.0, 0, 0, 0, false); break;
+        case 2: m.MergeMono8ToMono8(c.w1, c.h1, pa, 0.7f, c.w2, c.h2, pb, o, x, y, 0, 0, 2.2, 0, 0, 0, false); break;
+        case 3: m.MergeMono8ToMono8(c.w1, c.h1, pa, 1.7f, c.w2, c.h2, pb, o, x, y, 0, 0, 0.5, 0, 0, 0, false); break;
+        case 4:
+          m.SubMono8ToBGRByPseudoColor(c.w1, c.h1, pa, nullptr, c.w2, c.h2, pb, nullptr, o, x, y, 0, 0, 1.8, 0, 0, 0,
+                                       false);
+          break;
+        case 5:
+          m.SubMono8ToBGRByHSL(c.w1, c.h1, pa, nullptr, 20, c.w2, c.h2, pb, nullptr, 150, o, x, y, 0, 0, 1.3, 0, 0, 0,
+                               false);
+          break;
+        default:
+          m.MergeMono8ToBGRByHSL(c.w1, c.h1, 0.4f, pa, 60, c.w2, c.h2, pb, 200, o, x, y, 0, 0, 0.8, 0, 0, 0, false);
+      }
+      return out;
+    };
+    for (int call = 0; call < 7; ++call) {
+      Bytes want;
+      {
+        testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+        want = run(call);
+      }
+      for (const auto v : testsupport::RunnableVariants()) {
+        testsupport::ScopedVariant scoped(v);
+        EXPECT_EQ(run(call), want) << "member " << call << " " << kestrelink::VariantName(v);
+      }
+    }
+  }
+}
+
+}  // namespace

@@ -3,6 +3,7 @@
 // against the portable variant over rows that end at every vector tail.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -64,6 +65,22 @@ TEST(MergeRows, CornersOfBlendAndRatio) {
         EXPECT_EQ(out[i], p.byValue ? 255 - p.ratio : p.ratio ^ 0x5A) << int(p.a) << "/" << int(p.b);
       }
     }
+  }
+}
+
+// Every pair of bytes in one row: the ratio's index is the integer
+// quotient min(256 a / b, 255), or a for b 0.
+TEST(MergeRows, RatioOfEveryPairOfBytes) {
+  Bytes a(65536), b(65536), byRatio(256), byValue(256), want(65536);
+  for (int i = 0; i < 256; ++i) byRatio[i] = uint8_t(i), byValue[i] = uint8_t(255 - i);
+  for (uint32_t i = 0; i < 65536; ++i) {
+    a[i] = uint8_t(i >> 8), b[i] = uint8_t(i);
+    want[i] = b[i] == 0 ? uint8_t(255 - a[i]) : uint8_t(std::min(a[i] * 256 / b[i], 255));
+  }
+  for (const MergeRowKernels* k : Kernels()) {
+    Bytes got(65536);
+    k->ratioLookup8(a.data(), b.data(), got.data(), 65536, byRatio.data(), byValue.data());
+    EXPECT_EQ(got, want);
   }
 }
 

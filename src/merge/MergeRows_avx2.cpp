@@ -2,6 +2,7 @@
 // entries at a time by the byte shuffle, colours gathered as packed words.
 #include <immintrin.h>
 
+#include "merge/MergeBlend.h"
 #include "merge/MergeRows.h"
 
 namespace kestrelink::merge {
@@ -42,16 +43,8 @@ struct ShuffleTable {
 inline __m256i Load32(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 inline void Store32(uint8_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
-// ((256 - w) b + w a) >> 8 of 32 pixels; the sum stays below 2^16.
 inline __m256i Blend32(const uint8_t* a, const uint8_t* b, __m256i wa, __m256i wb) {
-  const __m256i va = Load32(a), vb = Load32(b), zero = _mm256_setzero_si256();
-  const __m256i low = _mm256_srli_epi16(_mm256_add_epi16(_mm256_mullo_epi16(_mm256_unpacklo_epi8(va, zero), wa),
-                                                         _mm256_mullo_epi16(_mm256_unpacklo_epi8(vb, zero), wb)),
-                                        8);
-  const __m256i high = _mm256_srli_epi16(_mm256_add_epi16(_mm256_mullo_epi16(_mm256_unpackhi_epi8(va, zero), wa),
-                                                          _mm256_mullo_epi16(_mm256_unpackhi_epi8(vb, zero), wb)),
-                                         8);
-  return _mm256_packus_epi16(low, high);
+  return BlendBytes(Load32(a), Load32(b), wa, wb);
 }
 
 void Blend8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w) {

@@ -4,6 +4,7 @@
 // time; the last pixels of a row go through masked loads and stores.
 #include <immintrin.h>
 
+#include "merge/MergeBlend.h"
 #include "merge/MergeRows.h"
 
 namespace kestrelink::merge {
@@ -28,20 +29,15 @@ inline __mmask64 FirstBytes(uint32_t n) { return n >= 64 ? ~__mmask64(0) : (__mm
 inline __m512i Load(const uint8_t* p, __mmask64 m) { return _mm512_maskz_loadu_epi8(m, p); }
 inline void Store(uint8_t* p, __mmask64 m, __m512i v) { _mm512_mask_storeu_epi8(p, m, v); }
 
-// ((256 - w) b + w a) >> 8 of 64 pixels; the sum stays below 2^16.
-inline __m512i Blend64(__m512i a, __m512i b, __m512i wa, __m512i wb) {
-  const __m512i zero = _mm512_setzero_si512();
-  const __m512i low = _mm512_srli_epi16(_mm512_add_epi16(_mm512_mullo_epi16(_mm512_unpacklo_epi8(a, zero), wa),
-                                                         _mm512_mullo_epi16(_mm512_unpacklo_epi8(b, zero), wb)),
-                                        8);
-  const __m512i high = _mm512_srli_epi16(_mm512_add_epi16(_mm512_mullo_epi16(_mm512_unpackhi_epi8(a, zero), wa),
-                                                          _mm512_mullo_epi16(_mm512_unpackhi_epi8(b, zero), wb)),
-                                         8);
-  return _mm512_packus_epi16(low, high);
+// ((256 - w) b + w a) >> 8 of 64 pixels, as two halves.
+inline __m512i Blend64(__m512i a, __m512i b, __m256i wa, __m256i wb) {
+  const __m256i low = BlendBytes(_mm512_castsi512_si256(a), _mm512_castsi512_si256(b), wa, wb);
+  const __m256i high = BlendBytes(_mm512_extracti64x4_epi64(a, 1), _mm512_extracti64x4_epi64(b, 1), wa, wb);
+  return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
 }
 
 void Blend8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w) {
-  const __m512i wa = _mm512_set1_epi16(int16_t(w)), wb = _mm512_set1_epi16(int16_t(256 - w));
+  const __m256i wa = _mm256_set1_epi16(int16_t(w)), wb = _mm256_set1_epi16(int16_t(256 - w));
   for (uint32_t i = 0; i < n; i += 64) {
     const __mmask64 m = FirstBytes(n - i);
     Store(out + i, m, Blend64(Load(a + i, m), Load(b + i, m), wa, wb));
@@ -49,7 +45,7 @@ void Blend8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32
 }
 
 void BlendLookup8(const uint8_t* a, const uint8_t* b, uint8_t* out, uint32_t n, uint32_t w, const uint8_t* table) {
-  const __m512i wa = _mm512_set1_epi16(int16_t(w)), wb = _mm512_set1_epi16(int16_t(256 - w));
+  const __m256i wa = _mm256_set1_epi16(int16_t(w)), wb = _mm256_set1_epi16(int16_t(256 - w));
   const PermuteTable t(table);
   for (uint32_t i = 0; i < n; i += 64) {
     const __mmask64 m = FirstBytes(n - i);

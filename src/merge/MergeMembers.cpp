@@ -73,6 +73,30 @@ bool CIppImageMerger::MergeMono16ToMono16(uint32_t width1, uint32_t height1, uin
   const uint32_t top = call.top;
   const uint16_t* g = gammaTable.data();
   const int64_t w = BlendWeight(weight);
+  const MonoNeither<uint16_t> neither{&call.p, call.cleared};
+  auto* out = static_cast<uint16_t*>(dst);
+  if (w >= 0 && w <= 256) {
+    // Weights within 0..1 need no clamp; the identity gamma needs no look-up.
+    const auto& rows = MergeRows();
+    const uint32_t wa = uint32_t(w);
+    if (gammaIsIdentity) {
+      const auto hold = [&](const uint16_t* v, uint16_t* o, uint32_t n) { rows.hold16(v, o, n, top); };
+      OverlayRuns(
+          call.p, call.plan, call.layers.first, call.layers.second, out, hold, hold,
+          [&](const uint16_t* a, const uint16_t* b, uint16_t* o, uint32_t n) { rows.blend16(a, b, o, n, wa, top); },
+          neither);
+      return true;
+    }
+    const auto single = [&](const uint16_t* v, uint16_t* o, uint32_t n) { rows.lookup16(v, o, n, g, top); };
+    OverlayRuns(
+        call.p, call.plan, call.layers.first, call.layers.second, out, single, single,
+        [&](const uint16_t* a, const uint16_t* b, uint16_t* o, uint32_t n) {
+          rows.blend16(a, b, o, n, wa, top);
+          rows.lookup16(o, o, n, g, top);
+        },
+        neither);
+    return true;
+  }
   const auto single = [g, top](uint16_t v) { return g[std::min<uint32_t>(v, top)]; };
   OverlayRows(
       call.p, call.plan, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
@@ -80,7 +104,7 @@ bool CIppImageMerger::MergeMono16ToMono16(uint32_t width1, uint32_t height1, uin
         const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);
         return g[std::clamp<int64_t>(((256 - w) * sb + sa * w) >> 8, 0, top)];
       },
-      MonoNeither<uint16_t>{&call.p, call.cleared});
+      neither);
   return true;
 }
 

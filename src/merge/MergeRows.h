@@ -37,6 +37,12 @@ struct MergeRowKernels {
   // BGR pixels of the ratio as ratioLookup8 picks it, by byRatio or byValue.
   void (*ratioColour8)(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, const ColourTable& byRatio,
                        const ColourTable& byValue);
+  // 16-bit samples held at top: out[i] = ((256 - w) min(b[i], top) + w min(a[i], top)) >> 8, w within 0 .. 256.
+  void (*blend16)(const uint16_t* a, const uint16_t* b, uint16_t* out, uint32_t n, uint32_t w, uint32_t top);
+  // out[i] = min(in[i], top).
+  void (*hold16)(const uint16_t* in, uint16_t* out, uint32_t n, uint32_t top);
+  // out[i] = table[min(in[i], top)], the table of top + 1 entries.
+  void (*lookup16)(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* table, uint32_t top);
 };
 
 extern const MergeRowKernels kMergeRowsPortable;

@@ -4,6 +4,7 @@
 
 #include "merge/MergeBlend.h"
 #include "merge/MergeRows.h"
+#include "merge/MergeRows16Body.h"
 
 namespace kestrelink::merge {
 namespace {
@@ -138,8 +139,32 @@ void RatioColour8(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, 
   kMergeRowsPortable.ratioColour8(a + i, b + i, bgr + 3 * size_t(i), n - i, byRatio, byValue);
 }
 
+// Eight entries of a 16-bit table: each lane gathers the 32 bits at its
+// entry and keeps the low half; the last entry, whose 32 bits would reach
+// past the table, is put in by a blend.
+inline __m256i Gather16(const uint16_t* table, __m256i index, __m256i top, __m256i last) {
+  const __m256i atTop = _mm256_cmpeq_epi32(index, top);
+  const __m256i words = _mm256_mask_i32gather_epi32(_mm256_setzero_si256(), reinterpret_cast<const int*>(table),
+                                                    index, _mm256_xor_si256(atTop, _mm256_set1_epi32(-1)), 2);
+  return _mm256_blendv_epi8(_mm256_and_si256(words, _mm256_set1_epi32(0xFFFF)), last, atTop);
+}
+
+void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* table, uint32_t top) {
+  const __m256i topLanes = _mm256_set1_epi32(int(top)), last = _mm256_set1_epi32(table[top]);
+  uint32_t i = 0;
+  for (; i + 16 <= n; i += 16) {
+    const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + i));
+    const __m256i low = _mm256_min_epu32(_mm256_cvtepu16_epi32(_mm256_castsi256_si128(v)), topLanes);
+    const __m256i high = _mm256_min_epu32(_mm256_cvtepu16_epi32(_mm256_extracti128_si256(v, 1)), topLanes);
+    const __m256i words = _mm256_packus_epi32(Gather16(table, low, topLanes, last), Gather16(table, high, topLanes, last));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), _mm256_permute4x64_epi64(words, 0xD8));
+  }
+  kMergeRowsPortable.lookup16(in + i, out + i, n - i, table, top);
+}
+
 }  // namespace
 
-const MergeRowKernels kMergeRowsAVX2 = {Blend8, BlendLookup8, Lookup8, RatioLookup8, Colour8, RatioColour8};
+const MergeRowKernels kMergeRowsAVX2 = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
+                                        RatioColour8, Blend16,      Hold16,  Lookup16};
 
 }  // namespace kestrelink::merge

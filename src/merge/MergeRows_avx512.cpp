@@ -6,6 +6,7 @@
 
 #include "merge/MergeBlend.h"
 #include "merge/MergeRows.h"
+#include "merge/MergeRows16Body.h"
 
 namespace kestrelink::merge {
 namespace {
@@ -162,8 +163,24 @@ void RatioColour8(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, 
   }
 }
 
+// Sixteen entries of a 16-bit table: each lane gathers the 32 bits at its
+// entry and keeps the low half; the last entry, whose 32 bits would reach
+// past the table, is put in by a mask.
+void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* table, uint32_t top) {
+  const __m512i topLanes = _mm512_set1_epi32(int(top)), last = _mm512_set1_epi32(table[top]);
+  for (uint32_t i = 0; i < n; i += 16) {
+    const __mmask16 m = n - i >= 16 ? __mmask16(0xFFFF) : __mmask16((1u << (n - i)) - 1);
+    const __m512i index =
+        _mm512_min_epu32(_mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(m, in + i)), topLanes);
+    const __mmask16 atTop = _mm512_cmpeq_epi32_mask(index, topLanes);
+    const __m512i words = _mm512_mask_i32gather_epi32(last, __mmask16(~atTop), index, table, 2);
+    _mm256_mask_storeu_epi16(out + i, m, _mm512_cvtepi32_epi16(words));
+  }
+}
+
 }  // namespace
 
-const MergeRowKernels kMergeRowsAVX512 = {Blend8, BlendLookup8, Lookup8, RatioLookup8, Colour8, RatioColour8};
+const MergeRowKernels kMergeRowsAVX512 = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
+                                          RatioColour8, Blend16,      Hold16,  Lookup16};
 
 }  // namespace kestrelink::merge

@@ -1,6 +1,7 @@
 // The merger's 8-bit overlay rows as plain loops, the reference of every
 // other variant, and the choice of variant.
 #include "merge/MergeRows.h"
+#include "merge/MergeRows16Body.h"
 
 #include "platform/CpuFeatures.h"
 
@@ -47,6 +48,10 @@ void RatioColour8(const uint8_t* a, const uint8_t* b, uint8_t* bgr, uint32_t n, 
   }
 }
 
+void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* table, uint32_t top) {
+  for (uint32_t i = 0; i < n; ++i) out[i] = table[in[i] < top ? in[i] : top];
+}
+
 }  // namespace
 
 void PackColourTable(ColourTable& t) {
@@ -54,7 +59,8 @@ void PackColourTable(ColourTable& t) {
     t.packed[v] = uint32_t(t.plane[0][v]) | uint32_t(t.plane[1][v]) << 8 | uint32_t(t.plane[2][v]) << 16;
 }
 
-const MergeRowKernels kMergeRowsPortable = {Blend8, BlendLookup8, Lookup8, RatioLookup8, Colour8, RatioColour8};
+const MergeRowKernels kMergeRowsPortable = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
+                                            RatioColour8, Blend16,      Hold16,  Lookup16};
 
 const MergeRowKernels& MergeRows() {
   const CpuVariant v = ActiveVariant();

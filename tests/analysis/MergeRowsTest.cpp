@@ -121,4 +121,38 @@ TEST(MergeRows, VariantsMatchPortableAtEveryTail) {
   }
 }
 
+// 16-bit rows: samples above the depth are held at its top, the blend's
+// weights 0 and 256 give b and a, and the table's last entry is read
+// without reading past it (the table here is exactly top + 1 entries).
+TEST(MergeRows, SixteenBitRowsHoldAtTheTop) {
+  const uint32_t top = 4095;
+  std::vector<uint16_t> table(top + 1);
+  for (uint32_t v = 0; v <= top; ++v) table[v] = uint16_t(top - v);
+  const auto& plain = kestrelink::merge::kMergeRowsPortable;
+  for (const MergeRowKernels* k : Kernels()) {
+    for (const uint32_t n : {1u, 15u, 16u, 17u, 33u, 100u}) {
+      std::vector<uint16_t> a(n), b(n), out(n + 1, 0xEEEE), want(n + 1, 0xEEEE);
+      for (uint32_t i = 0; i < n; ++i) {
+        a[i] = uint16_t(i % 3 == 0 ? 65535 : i * 977 % 5000);  // some above 4095
+        b[i] = uint16_t(i % 4 == 1 ? 4095 : i * 331 % 4200);
+      }
+      const auto hold = [&](uint16_t v) { return uint16_t(std::min<uint32_t>(v, top)); };
+      k->blend16(a.data(), b.data(), out.data(), n, 0, top);
+      for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(out[i], hold(b[i])) << n << " " << i;
+      k->blend16(a.data(), b.data(), out.data(), n, 256, top);
+      for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(out[i], hold(a[i])) << n << " " << i;
+      k->blend16(a.data(), b.data(), out.data(), n, 64, top);
+      for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(out[i], (192 * hold(b[i]) + 64 * hold(a[i])) / 256) << n << " " << i;
+      EXPECT_EQ(out[n], 0xEEEE);
+      k->hold16(a.data(), out.data(), n, top);
+      for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(out[i], hold(a[i])) << n << " " << i;
+      k->lookup16(a.data(), out.data(), n, table.data(), top);
+      for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(out[i], top - hold(a[i])) << n << " " << i;
+      plain.lookup16(b.data(), want.data(), n, table.data(), top);
+      k->lookup16(b.data(), out.data(), n, table.data(), top);
+      EXPECT_EQ(out, want) << n;
+    }
+  }
+}
+
 }  // namespace

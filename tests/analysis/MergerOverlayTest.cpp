@@ -375,4 +375,33 @@ TEST(MergerOverlay, EightBitMembersAgreeAcrossVariants) {
   }
 }
 
+// The 16-bit blend (12-bit samples, some beyond the depth) under each
+// variant: the identity gamma, gamma 2.2 and a weight outside 0..1.
+TEST(MergerOverlay, SixteenBitBlendAgreesAcrossVariants) {
+  const Placing c{150, 5, 140, 6, 5, 1};
+  const Words a = Random16(size_t(c.w1) * c.h1, 5000, 41), b = Random16(size_t(c.w2) * c.h2, 4096, 42);
+  const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+  for (const double gamma : {1.0, 2.2}) {
+    for (const float weight : {0.25f, 1.5f}) {
+      auto run = [&] {
+        CIppImageMerger m;
+        Words out(size_t(l.width) * l.height, 0xABCD);
+        m.MergeMono16ToMono16(c.w1, c.h1, 12, const_cast<uint16_t*>(a.data()), weight, c.w2, c.h2,
+                              const_cast<uint16_t*>(b.data()), out.data(), c.offsetX, c.offsetY, 0, 0, gamma, 0, 0, 0,
+                              false);
+        return out;
+      };
+      Words want;
+      {
+        testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+        want = run();
+      }
+      for (const auto v : testsupport::RunnableVariants()) {
+        testsupport::ScopedVariant scoped(v);
+        EXPECT_EQ(run(), want) << "gamma " << gamma << " weight " << weight << " " << kestrelink::VariantName(v);
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -43,7 +43,14 @@ struct MergeRowKernels {
   void (*hold16)(const uint16_t* in, uint16_t* out, uint32_t n, uint32_t top);
   // out[i] = table[min(in[i], top)], the table of top + 1 entries.
   void (*lookup16)(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* table, uint32_t top);
+  // With a and b held at top: out[i] = b[i] == 0 ? byValue[i] : byRatio[min(256 a[i] / b[i], 255)].
+  void (*ratioIndex16)(const uint16_t* a, const uint16_t* b, const uint8_t* byValue, uint8_t* out, uint32_t n,
+                       uint32_t top, const uint8_t* byRatio);
 };
+
+// Bytes of 16-bit samples of a depth (1 to 16 bits): v >> (depth - 8), or
+// v << (8 - depth) below 8 bits, at most 255.
+void ToBytes(const uint16_t* in, uint8_t* out, uint32_t n, uint32_t bitDepth);
 
 extern const MergeRowKernels kMergeRowsPortable;
 extern const MergeRowKernels kMergeRowsAVX2;

@@ -162,9 +162,46 @@ void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* tab
   kMergeRowsPortable.lookup16(in + i, out + i, n - i, table, top);
 }
 
+// min(256 a / b, 255) of eight pixels of up to 16 bits, b at least 1: the
+// numerator is below 2^24, so the correctly rounded single-precision
+// quotient floors to the integer one (a quotient below 256 lies on an
+// integer or at least 1/b from one, more than half a unit of its last place).
+inline __m256i Ratio16x8(__m256i a32, __m256i b32) {
+  const __m256 q = _mm256_div_ps(_mm256_cvtepi32_ps(_mm256_slli_epi32(a32, 8)),
+                                 _mm256_cvtepi32_ps(_mm256_max_epi32(b32, _mm256_set1_epi32(1))));
+  return _mm256_min_epi32(_mm256_cvttps_epi32(q), _mm256_set1_epi32(255));
+}
+
+void RatioIndex16(const uint16_t* a, const uint16_t* b, const uint8_t* byValue, uint8_t* out, uint32_t n,
+                  uint32_t top, const uint8_t* byRatio) {
+  const ShuffleTable ratioTable(byRatio);
+  const __m256i topLanes = _mm256_set1_epi32(int(top));
+  uint32_t i = 0;
+  for (; i + 32 <= n; i += 32) {
+    __m256i q[4];
+    for (int j = 0; j < 4; ++j) {
+      const __m256i a32 = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i + 8 * j)));
+      const __m256i b32 = _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i + 8 * j)));
+      q[j] = Ratio16x8(_mm256_min_epu32(a32, topLanes), _mm256_min_epu32(b32, topLanes));
+    }
+    const __m256i bytes = _mm256_permutevar8x32_epi32(
+        _mm256_packus_epi16(_mm256_packus_epi32(q[0], q[1]), _mm256_packus_epi32(q[2], q[3])),
+        _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+    // b 0: a 16-bit zero is two zero bytes, packed to one lane a pixel.
+    const __m256i b0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + i));
+    const __m256i b1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + i + 16));
+    const __m256i zero16a = _mm256_cmpeq_epi16(b0, _mm256_setzero_si256());
+    const __m256i zero16b = _mm256_cmpeq_epi16(b1, _mm256_setzero_si256());
+    const __m256i zero = _mm256_permute4x64_epi64(_mm256_packs_epi16(zero16a, zero16b), 0xD8);
+    Store32(out + i, _mm256_blendv_epi8(ratioTable(bytes), Load32(byValue + i), zero));
+  }
+  kMergeRowsPortable.ratioIndex16(a + i, b + i, byValue + i, out + i, n - i, top, byRatio);
+}
+
 }  // namespace
 
 const MergeRowKernels kMergeRowsAVX2 = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
-                                        RatioColour8, Blend16,      Hold16,  Lookup16};
+                                        RatioColour8, Blend16,      Hold16,  Lookup16,
+                                        RatioIndex16};
 
 }  // namespace kestrelink::merge

@@ -178,9 +178,45 @@ void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* tab
   }
 }
 
+// min(256 a / b, 255) of sixteen pixels of up to 16 bits held at top, read
+// under mask m, b taken as at least 1: the numerator is below 2^24, so the
+// correctly rounded single-precision quotient floors to the integer one (a
+// quotient below 256 lies on an integer or at least 1/b from one, more than
+// half a unit of its last place).
+inline __m512i Ratio16x16(const uint16_t* a, const uint16_t* b, __mmask16 m, __m512i top) {
+  const __m512i a32 = _mm512_min_epu32(_mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(m, a)), top);
+  const __m512i b32 = _mm512_min_epu32(_mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(m, b)), top);
+  const __m512 q = _mm512_div_ps(_mm512_cvtepi32_ps(_mm512_slli_epi32(a32, 8)),
+                                 _mm512_cvtepi32_ps(_mm512_max_epi32(b32, _mm512_set1_epi32(1))));
+  return _mm512_min_epi32(_mm512_cvttps_epi32(q), _mm512_set1_epi32(255));
+}
+
+void RatioIndex16(const uint16_t* a, const uint16_t* b, const uint8_t* byValue, uint8_t* out, uint32_t n,
+                  uint32_t top, const uint8_t* byRatio) {
+  const PermuteTable ratioTable(byRatio);
+  const __m512i topLanes = _mm512_set1_epi32(int(top));
+  for (uint32_t i = 0; i < n; i += 64) {
+    const __mmask64 m = FirstBytes(n - i);
+    const __m512i q0 = Ratio16x16(a + i, b + i, __mmask16(m), topLanes);
+    const __m512i q1 = Ratio16x16(a + i + 16, b + i + 16, __mmask16(m >> 16), topLanes);
+    const __m512i q2 = Ratio16x16(a + i + 32, b + i + 32, __mmask16(m >> 32), topLanes);
+    const __m512i q3 = Ratio16x16(a + i + 48, b + i + 48, __mmask16(m >> 48), topLanes);
+    const __m512i bytes = _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
+                                                   _mm512_packus_epi16(_mm512_packus_epi32(q0, q1), _mm512_packus_epi32(q2, q3)));
+    const __mmask64 zero =
+        __mmask64(_mm512_testn_epi16_mask(_mm512_maskz_loadu_epi16(__mmask32(m), b + i),
+                                          _mm512_maskz_loadu_epi16(__mmask32(m), b + i))) |
+        __mmask64(_mm512_testn_epi16_mask(_mm512_maskz_loadu_epi16(__mmask32(m >> 32), b + i + 32),
+                                          _mm512_maskz_loadu_epi16(__mmask32(m >> 32), b + i + 32)))
+            << 32;
+    Store(out + i, m, _mm512_mask_blend_epi8(zero, ratioTable(bytes), Load(byValue + i, m)));
+  }
+}
+
 }  // namespace
 
 const MergeRowKernels kMergeRowsAVX512 = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
-                                          RatioColour8, Blend16,      Hold16,  Lookup16};
+                                          RatioColour8, Blend16,      Hold16,  Lookup16,
+                                          RatioIndex16};
 
 }  // namespace kestrelink::merge

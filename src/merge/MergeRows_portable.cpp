@@ -52,7 +52,23 @@ void Lookup16(const uint16_t* in, uint16_t* out, uint32_t n, const uint16_t* tab
   for (uint32_t i = 0; i < n; ++i) out[i] = table[in[i] < top ? in[i] : top];
 }
 
+void RatioIndex16(const uint16_t* a, const uint16_t* b, const uint8_t* byValue, uint8_t* out, uint32_t n,
+                  uint32_t top, const uint8_t* byRatio) {
+  for (uint32_t i = 0; i < n; ++i) {
+    const uint32_t sa = a[i] < top ? a[i] : top, sb = b[i] < top ? b[i] : top;
+    out[i] = b[i] == 0 ? byValue[i] : byRatio[Ratio(sa, sb)];
+  }
+}
+
 }  // namespace
+
+void ToBytes(const uint16_t* in, uint8_t* out, uint32_t n, uint32_t bitDepth) {
+  const uint32_t right = bitDepth >= 8 ? bitDepth - 8 : 0, left = bitDepth >= 8 ? 0 : 8 - bitDepth;
+  for (uint32_t i = 0; i < n; ++i) {
+    const uint32_t v = (uint32_t(in[i]) >> right) << left;
+    out[i] = uint8_t(v < 255 ? v : 255);
+  }
+}
 
 void PackColourTable(ColourTable& t) {
   for (int v = 0; v < 256; ++v)
@@ -60,7 +76,8 @@ void PackColourTable(ColourTable& t) {
 }
 
 const MergeRowKernels kMergeRowsPortable = {Blend8,       BlendLookup8, Lookup8, RatioLookup8, Colour8,
-                                            RatioColour8, Blend16,      Hold16,  Lookup16};
+                                            RatioColour8, Blend16,      Hold16,  Lookup16,
+                                            RatioIndex16};
 
 const MergeRowKernels& MergeRows() {
   const CpuVariant v = ActiveVariant();

@@ -107,18 +107,41 @@ bool CIppImageMerger::SubMono16ToBGRByPseudoColor(uint32_t width1, uint32_t heig
                  width2, height2, image2, background2, dst, 3, offsetX, offsetY,
                  {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
+  // Each pixel's colour index: ToByte(gamma(v)) of its value v (the first
+  // layer's sample where b is 0), or through slope, FromByte and gamma for
+  // the ratio; the pseudo-colour table then colours the indexes.
   const uint32_t top = call.top;
   const uint16_t* g = gammaTable.data();
-  const auto colour = [&](uint32_t v) {
-    const uint32_t c = std::min<uint32_t>(ToByte(g[std::min(v, top)], bitDepth), 255);
-    return Bgr{pseudoBlue[c], pseudoGreen[c], pseudoRed[c]};
+  const auto indexOf = [&](uint32_t v) { return uint8_t(std::min<uint32_t>(ToByte(g[std::min(v, top)], bitDepth), 255)); };
+  uint8_t byRatio[256];
+  for (uint32_t q = 0; q < 256; ++q) byRatio[q] = indexOf(FromByte(slopeTable[q], bitDepth));
+  const ColourTable colours = MakeColourTable([](int v) { return v; }, [this](int v, uint8_t& blue, uint8_t& green, uint8_t& red) {
+    blue = pseudoBlue[v], green = pseudoGreen[v], red = pseudoRed[v];
+  });
+  const auto& rows = MergeRows();
+  constexpr uint32_t kChunk = 256;
+  const auto single = [&](const uint16_t* v, Bgr* o, uint32_t n) {
+    uint16_t gamma[kChunk];
+    uint8_t index[kChunk];
+    for (uint32_t i = 0; i < n; i += kChunk) {
+      const uint32_t count = std::min(n - i, kChunk);
+      rows.lookup16(v + i, gamma, count, g, top);
+      ToBytes(gamma, index, count, bitDepth);
+      rows.colour8(index, reinterpret_cast<uint8_t*>(o + i), count, colours);
+    }
   };
-  const auto single = [&](uint16_t v) { return colour(v); };
-  OverlayRows(
+  OverlayRuns(
       call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst), single, single,
-      [&](uint16_t a, uint16_t b) {
-        const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
-        return colour(b == 0 ? uint32_t(r) : FromByte(uint32_t(r), bitDepth));
+      [&](const uint16_t* a, const uint16_t* b, Bgr* o, uint32_t n) {
+        uint16_t gamma[kChunk];
+        uint8_t byValue[kChunk], index[kChunk];
+        for (uint32_t i = 0; i < n; i += kChunk) {
+          const uint32_t count = std::min(n - i, kChunk);
+          rows.lookup16(a + i, gamma, count, g, top);
+          ToBytes(gamma, byValue, count, bitDepth);
+          rows.ratioIndex16(a + i, b + i, byValue, index, count, top, byRatio);
+          rows.colour8(index, reinterpret_cast<uint8_t*>(o + i), count, colours);
+        }
       },
       BgrNeither{Bgr{pseudoBlue[0], pseudoGreen[0], pseudoRed[0]}});
   return true;

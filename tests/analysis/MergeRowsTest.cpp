@@ -155,4 +155,34 @@ TEST(MergeRows, SixteenBitRowsHoldAtTheTop) {
   }
 }
 
+// The 16-bit ratio index: samples held at the top before the integer
+// quotient min(256 a / b, 255); b 0 takes the value's own index. Quotients
+// near integers come from pairs like (k b + 1) / b and (k b - 1) / b.
+TEST(MergeRows, SixteenBitRatioIndexIsTheIntegerQuotient) {
+  Bytes byRatio(256);
+  for (int q = 0; q < 256; ++q) byRatio[q] = uint8_t(q);
+  for (const uint32_t top : {4095u, 65535u}) {
+    const uint32_t n = 3000;
+    std::vector<uint16_t> a(n), b(n);
+    const Bytes r = testsupport::RandomBytes(4 * n, top);
+    for (uint32_t i = 0; i < n; ++i) {
+      b[i] = uint16_t((r[4 * i] << 8 | r[4 * i + 1]) & (i % 2 ? 0xFFFF : 0x0FFF));
+      const uint32_t k = r[4 * i + 2];
+      a[i] = uint16_t(std::min<uint32_t>(i % 3 == 0 ? (k * b[i] + 255) / 256 : (k * b[i]) / 256 + (i % 3 == 1), 65535));
+      if (i % 11 == 0) b[i] = 0;
+    }
+    Bytes byValue = testsupport::RandomBytes(n, 3);
+    for (const MergeRowKernels* k : Kernels()) {
+      Bytes got(n + 1, 0xEE);
+      k->ratioIndex16(a.data(), b.data(), byValue.data(), got.data(), n, top, byRatio.data());
+      for (uint32_t i = 0; i < n; ++i) {
+        const uint64_t sa = std::min<uint32_t>(a[i], top), sb = std::min<uint32_t>(b[i], top);
+        const int want = b[i] == 0 ? byValue[i] : int(std::min<uint64_t>(sa * 256 / sb, 255));
+        ASSERT_EQ(got[i], want) << "top " << top << " " << a[i] << "/" << b[i];
+      }
+      EXPECT_EQ(got[n], 0xEE);
+    }
+  }
+}
+
 }  // namespace

@@ -404,4 +404,33 @@ TEST(MergerOverlay, SixteenBitBlendAgreesAcrossVariants) {
   }
 }
 
+// The 16-bit ratio to pseudo-colour (12-bit samples, some beyond the depth,
+// b 0 here and there) under each variant.
+TEST(MergerOverlay, SixteenBitPseudoColourAgreesAcrossVariants) {
+  const Placing c{150, 5, 140, 6, 5, 1};
+  const Words a = Random16(size_t(c.w1) * c.h1, 5000, 43);
+  Words b = Random16(size_t(c.w2) * c.h2, 4600, 44);
+  for (size_t i = 0; i < b.size(); i += 7) b[i] = 0;
+  const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+  for (const double gamma : {1.0, 2.2}) {
+    auto run = [&] {
+      CIppImageMerger m;
+      m.RebuildSlopeLUT(5, 1.2f, 1);
+      Bytes out(3 * size_t(l.width) * l.height, kStale);
+      m.SubMono16ToBGRByPseudoColor(c.w1, c.h1, 12, const_cast<uint16_t*>(a.data()), nullptr, c.w2, c.h2,
+                                    b.data(), nullptr, out.data(), c.offsetX, c.offsetY, 0, 0, gamma, 0, 0, 0, false);
+      return out;
+    };
+    Bytes want;
+    {
+      testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+      want = run();
+    }
+    for (const auto v : testsupport::RunnableVariants()) {
+      testsupport::ScopedVariant scoped(v);
+      EXPECT_EQ(run(), want) << "gamma " << gamma << " " << kestrelink::VariantName(v);
+    }
+  }
+}
+
 }  // namespace

@@ -119,13 +119,21 @@ bool CIppImageMerger::SubMono16ToBGRByPseudoColor(uint32_t width1, uint32_t heig
     blue = pseudoBlue[v], green = pseudoGreen[v], red = pseudoRed[v];
   });
   const auto& rows = MergeRows();
+  // The identity gamma only holds samples at the top.
+  const bool identity = gammaIsIdentity;
+  const auto gammaOf = [&rows, g, top, identity](const uint16_t* v, uint16_t* o, uint32_t n) {
+    if (identity)
+      rows.hold16(v, o, n, top);
+    else
+      rows.lookup16(v, o, n, g, top);
+  };
   constexpr uint32_t kChunk = 256;
   const auto single = [&](const uint16_t* v, Bgr* o, uint32_t n) {
     uint16_t gamma[kChunk];
     uint8_t index[kChunk];
     for (uint32_t i = 0; i < n; i += kChunk) {
       const uint32_t count = std::min(n - i, kChunk);
-      rows.lookup16(v + i, gamma, count, g, top);
+      gammaOf(v + i, gamma, count);
       ToBytes(gamma, index, count, bitDepth);
       rows.colour8(index, reinterpret_cast<uint8_t*>(o + i), count, colours);
     }
@@ -137,7 +145,7 @@ bool CIppImageMerger::SubMono16ToBGRByPseudoColor(uint32_t width1, uint32_t heig
         uint8_t byValue[kChunk], index[kChunk];
         for (uint32_t i = 0; i < n; i += kChunk) {
           const uint32_t count = std::min(n - i, kChunk);
-          rows.lookup16(a + i, gamma, count, g, top);
+          gammaOf(a + i, gamma, count);
           ToBytes(gamma, byValue, count, bitDepth);
           rows.ratioIndex16(a + i, b + i, byValue, index, count, top, byRatio);
           rows.colour8(index, reinterpret_cast<uint8_t*>(o + i), count, colours);

@@ -6,6 +6,7 @@
 #include <kestrelink/CIppImageMerger.h>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "analysis/MergerReference.h"
@@ -327,6 +328,20 @@ TEST(MergerOverlay, BackgroundDifferenceAndDepthClamp) {
 
 namespace {
 
+// run() under each variant gives what it gives under the portable one.
+template <class Run>
+void ExpectVariantsAgree(Run run, const std::string& what) {
+  decltype(run()) want;
+  {
+    testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+    want = run();
+  }
+  for (const auto v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(v);
+    EXPECT_EQ(run(), want) << what << " " << kestrelink::VariantName(v);
+  }
+}
+
 // The 8-bit members on rows long enough for the vector kernels and their
 // tails give every variant's bytes the same as the portable one's.
 TEST(MergerOverlay, EightBitMembersAgreeAcrossVariants) {
@@ -361,17 +376,7 @@ TEST(MergerOverlay, EightBitMembersAgreeAcrossVariants) {
       }
       return out;
     };
-    for (int call = 0; call < 7; ++call) {
-      Bytes want;
-      {
-        testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
-        want = run(call);
-      }
-      for (const auto v : testsupport::RunnableVariants()) {
-        testsupport::ScopedVariant scoped(v);
-        EXPECT_EQ(run(call), want) << "member " << call << " " << kestrelink::VariantName(v);
-      }
-    }
+    for (int call = 0; call < 7; ++call) ExpectVariantsAgree([&] { return run(call); }, "member " + std::to_string(call));
   }
 }
 
@@ -391,15 +396,7 @@ TEST(MergerOverlay, SixteenBitBlendAgreesAcrossVariants) {
                               false);
         return out;
       };
-      Words want;
-      {
-        testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
-        want = run();
-      }
-      for (const auto v : testsupport::RunnableVariants()) {
-        testsupport::ScopedVariant scoped(v);
-        EXPECT_EQ(run(), want) << "gamma " << gamma << " weight " << weight << " " << kestrelink::VariantName(v);
-      }
+      ExpectVariantsAgree(run, "gamma " + std::to_string(gamma) + " weight " + std::to_string(weight));
     }
   }
 }
@@ -421,15 +418,7 @@ TEST(MergerOverlay, SixteenBitPseudoColourAgreesAcrossVariants) {
                                     b.data(), nullptr, out.data(), c.offsetX, c.offsetY, 0, 0, gamma, 0, 0, 0, false);
       return out;
     };
-    Bytes want;
-    {
-      testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
-      want = run();
-    }
-    for (const auto v : testsupport::RunnableVariants()) {
-      testsupport::ScopedVariant scoped(v);
-      EXPECT_EQ(run(), want) << "gamma " << gamma << " " << kestrelink::VariantName(v);
-    }
+    ExpectVariantsAgree(run, "gamma " + std::to_string(gamma));
   }
 }
 

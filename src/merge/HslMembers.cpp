@@ -7,13 +7,17 @@
 
 #include "merge/MergeCall.h"
 #include "merge/MergeOverlay.h"
+#include "merge/MergeRows.h"
+#include "merge/OverlayTables.h"
 
 using kestrelink::merge::BeginCall;
 using kestrelink::merge::Bgr;
 using kestrelink::merge::BgrNeither;
 using kestrelink::merge::BlendWeight;
 using kestrelink::merge::MergeCall;
+using kestrelink::merge::ColourTable;
 using kestrelink::merge::OverlayRows;
+using kestrelink::merge::OverlayRuns;
 
 namespace {
 
@@ -42,6 +46,17 @@ HslRegions RegionsOf(const CIppImageMerger& m, uint32_t bitDepth) {
           {m.hslRedW, m.hslGreenW, m.hslBlueW, g, bitDepth}};
 }
 
+// One region's colour of every byte v, entered at index(v).
+template <class Index>
+kestrelink::merge::ColourTable TableOf(const RegionColour& region, Index index) {
+  return kestrelink::merge::MakeColourTable(index, [&region](uint32_t l, uint8_t& blue, uint8_t& green, uint8_t& red) {
+    const Bgr c = region(l);
+    blue = c.b, green = c.g, red = c.r;
+  });
+}
+
+uint8_t* Bytes(Bgr* p) { return reinterpret_cast<uint8_t*>(p); }
+
 }  // namespace
 
 bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void* image1, void* background1,
@@ -56,11 +71,20 @@ bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void
     return false;
   PrepareHslTables(hue1, hue2);
   const auto [one, two, both] = RegionsOf(*this, 8);
-  const uint8_t* ratio = ratioTable.data();
-  OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
-      [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
-      [&](uint8_t a, uint8_t b) { return both(ratio[a * 256 + b]); }, BgrNeither{Bgr{0, 0, 0}});
+  // The overlap by ratio(a, b): through slope, or for b 0 by a itself.
+  const ColourTable firstColours = TableOf(one, [](int v) { return v; });
+  const ColourTable secondColours = TableOf(two, [](int v) { return v; });
+  const ColourTable byValue = TableOf(both, [](int v) { return v; });
+  const ColourTable byRatio = TableOf(both, [this](int q) { return slopeTable[size_t(q)]; });
+  const auto& rows = kestrelink::merge::MergeRows();
+  OverlayRuns(
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      [&](const uint8_t* a, Bgr* o, uint32_t n) { rows.colour8(a, Bytes(o), n, firstColours); },
+      [&](const uint8_t* b, Bgr* o, uint32_t n) { rows.colour8(b, Bytes(o), n, secondColours); },
+      [&](const uint8_t* a, const uint8_t* b, Bgr* o, uint32_t n) {
+        rows.ratioColour8(a, b, Bytes(o), n, byRatio, byValue);
+      },
+      BgrNeither{Bgr{0, 0, 0}});
   return true;
 }
 
@@ -80,7 +104,7 @@ bool CIppImageMerger::SubMono16ToBGRByHSL(uint32_t width1, uint32_t height1, uin
   const auto [one, two, both] = RegionsOf(*this, bitDepth);
   const auto light = [top, bitDepth](uint16_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
       [&](uint16_t a, uint16_t b) {
         const int r = SubWithinBounds(std::min<uint32_t>(a, top), std::min<uint32_t>(b, top), 8, 0, 255);
@@ -102,8 +126,30 @@ bool CIppImageMerger::MergeMono8ToBGRByHSL(uint32_t width1, uint32_t height1, fl
   PrepareHslTables(hue1, hue2);
   const auto [one, two, both] = RegionsOf(*this, 8);
   const int64_t w = BlendWeight(weight);
+  if (w >= 0 && w <= 256) {
+    // Weights within 0..1 need no clamp: the blend, then the overlap's colours.
+    const ColourTable firstColours = TableOf(one, [](int v) { return v; });
+    const ColourTable secondColours = TableOf(two, [](int v) { return v; });
+    const ColourTable bothColours = TableOf(both, [](int v) { return v; });
+    const auto& rows = kestrelink::merge::MergeRows();
+    const uint32_t wa = uint32_t(w);
+    OverlayRuns(
+        call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+        [&](const uint8_t* a, Bgr* o, uint32_t n) { rows.colour8(a, Bytes(o), n, firstColours); },
+        [&](const uint8_t* b, Bgr* o, uint32_t n) { rows.colour8(b, Bytes(o), n, secondColours); },
+        [&](const uint8_t* a, const uint8_t* b, Bgr* o, uint32_t n) {
+          uint8_t blended[256];
+          for (uint32_t i = 0; i < n; i += 256) {
+            const uint32_t count = n - i < 256 ? n - i : 256;
+            rows.blend8(a + i, b + i, blended, count, wa);
+            rows.colour8(blended, Bytes(o + i), count, bothColours);
+          }
+        },
+        BgrNeither{Bgr{0, 0, 0}});
+    return true;
+  }
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint8_t a) { return one(a); }, [&](uint8_t b) { return two(b); },
       [&](uint8_t a, uint8_t b) { return both(uint32_t(std::clamp<int64_t>(((256 - w) * b + a * w) >> 8, 0, 255))); },
       BgrNeither{Bgr{0, 0, 0}});
@@ -127,7 +173,7 @@ bool CIppImageMerger::MergeMono16ToBGRByHSL(uint32_t width1, uint32_t height1, u
   const int64_t w = BlendWeight(weight);
   const auto light = [top, bitDepth](uint32_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
       [&](uint16_t a) { return one(light(a)); }, [&](uint16_t b) { return two(light(b)); },
       [&](uint16_t a, uint16_t b) {
         const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);

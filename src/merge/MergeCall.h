@@ -3,7 +3,6 @@
 // overlay: check the frames, place the layers, take the backgrounds off,
 // rotate and mirror the second layer, and find where each row reads it.
 #include <cstdint>
-#include <vector>
 
 #include "merge/MergeLayers.h"
 #include "merge/MergeLayout.h"
@@ -25,7 +24,7 @@ template <class T>
 struct MergeCall {
   Placement p;
   LayerFrames<T> layers;
-  std::vector<uint64_t> starts;
+  RowPlan plan;
   bool cleared = false;  // the layers' sizes differ, so the output starts cleared
   uint32_t top = 0;      // the largest sample of the depth
 };
@@ -45,7 +44,7 @@ bool BeginCall(MergeCall<T>& call, uint32_t bitDepth, RebuildGamma rebuildGamma,
   call.cleared = w1 != w2 || h1 != h2;
   if (!PrepareLayers<T>(call.layers, w1, h1, image1, background1, w2, h2, image2, background2, call.top, motion))
     return false;
-  call.starts = StreamStarts(call.p);
+  call.plan = PlanRows(call.p);
   return true;
 }
 

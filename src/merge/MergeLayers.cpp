@@ -1,27 +1,70 @@
 // Background differences, rotation and mirror of the merger's layers.
 #include "merge/MergeLayers.h"
 
-#include <cstring>
+#include <climits>
 
 #include "frame/RowLoop.h"
 #include "geometry/RotatePath.h"
+#include "primitives/AnalysisPrimitives.h"
 #include "primitives/MirrorPrimitives.h"
 
 namespace kestrelink::merge {
 
+namespace {
+
+constexpr int kBufferRow = 64;
+
+IppStatus AbsDiff(const uint8_t* a, const uint8_t* b, uint8_t* dst, int step, IppiSize size) {
+  return ippiAbsDiff_8u_C1R(a, step, b, step, dst, step, size);
+}
+IppStatus AbsDiff(const uint16_t* a, const uint16_t* b, uint16_t* dst, int step, IppiSize size) {
+  return ippiAbsDiff_16u_C1R(a, step, b, step, dst, step, size);
+}
+
+}  // namespace
+
+LayerBuffer::~LayerBuffer() { ippiFree(data_); }
+
+bool LayerBuffer::Allocate(size_t bytes) {
+  ippiFree(data_);
+  data_ = nullptr;
+  const size_t rows = (bytes + kBufferRow - 1) / kBufferRow;
+  if (rows == 0 || rows > size_t(INT_MAX)) return false;
+  int step = 0;
+  data_ = ippiMalloc_8u_C1(kBufferRow, int(rows), &step);
+  rows_ = int(rows);
+  // A row of 64 bytes is already aligned, so the step is the row.
+  return data_ != nullptr && step == kBufferRow;
+}
+
+void LayerBuffer::Clear() {
+  ForEachBand(uint32_t(rows_), [&](uint32_t first, uint32_t count) {
+    return int(ippiSet_8u_C1R(0, data_ + size_t(first) * kBufferRow, kBufferRow, {kBufferRow, int(count)}));
+  });
+}
+
 template <class T>
 void AbsDiffFrame(uint32_t width, uint32_t height, uint32_t maxValue, const T* a, const T* b, T* dst) {
-  ForEachRow(height, false, [&](uint32_t y, uint32_t) {
-    const size_t at = size_t(y) * width;
-    for (uint32_t x = 0; x < width; ++x) {
-      const uint32_t d = a[at + x] > b[at + x] ? a[at + x] - b[at + x] : b[at + x] - a[at + x];
-      dst[at + x] = T(d < maxValue ? d : maxValue);
+  const uint64_t rowBytes = uint64_t(width) * sizeof(T);
+  if (rowBytes > uint64_t(INT_MAX) || height > uint32_t(INT_MAX)) return;
+  ForEachBand(height, [&](uint32_t first, uint32_t count) {
+    const size_t at = size_t(first) * width;
+    const IppStatus s = AbsDiff(a + at, b + at, dst + at, int(rowBytes), {int(width), int(count)});
+    // Samples beyond the depth can differ by more than its largest value.
+    if (s == ippStsNoErr && maxValue < T(~T(0))) {
+      T* out = dst + at;
+      const T top = T(maxValue);
+      for (size_t i = 0; i < size_t(count) * width; ++i) out[i] = out[i] < top ? out[i] : top;
     }
+    return int(s);
   });
 }
 
 void ClearFrame(void* dst, uint64_t rowBytes, uint32_t height) {
-  ForEachRow(height, false, [&](uint32_t y, uint32_t) { std::memset(RowAt(dst, rowBytes, y), 0, rowBytes); });
+  if (rowBytes > uint64_t(INT_MAX) || height > uint32_t(INT_MAX)) return;
+  ForEachBand(height, [&](uint32_t first, uint32_t count) {
+    return int(ippiSet_8u_C1R(0, RowAt(dst, rowBytes, first), int(rowBytes), {int(rowBytes), int(count)}));
+  });
 }
 
 namespace {
@@ -50,35 +93,36 @@ bool PrepareLayers(LayerFrames<T>& layers, uint32_t w1, uint32_t h1, const void*
                    const SecondLayerMotion& motion) {
   layers.first = static_cast<const T*>(image1);
   layers.second = static_cast<const T*>(image2);
+  const size_t bytes1 = size_t(w1) * h1 * sizeof(T), bytes2 = size_t(w2) * h2 * sizeof(T);
   if (background1) {
-    layers.firstDiff.resize(size_t(w1) * h1);
-    AbsDiffFrame<T>(w1, h1, maxValue, layers.first, static_cast<const T*>(background1), layers.firstDiff.data());
-    layers.first = layers.firstDiff.data();
+    if (!layers.firstDiff.Allocate(bytes1)) return false;
+    AbsDiffFrame<T>(w1, h1, maxValue, layers.first, static_cast<const T*>(background1), layers.firstDiff.template As<T>());
+    layers.first = layers.firstDiff.template As<T>();
   }
   if (background2) {
-    layers.secondDiff.resize(size_t(w2) * h2);
-    AbsDiffFrame<T>(w2, h2, maxValue, layers.second, static_cast<const T*>(background2), layers.secondDiff.data());
-    layers.second = layers.secondDiff.data();
+    if (!layers.secondDiff.Allocate(bytes2)) return false;
+    AbsDiffFrame<T>(w2, h2, maxValue, layers.second, static_cast<const T*>(background2), layers.secondDiff.template As<T>());
+    layers.second = layers.secondDiff.template As<T>();
   }
   if (motion.angle == 0.0 && motion.mirror == 0) return true;
-  layers.turned.assign(size_t(w2) * h2, T(0));
+  if (!layers.turned.Allocate(bytes2)) return false;
+  layers.turned.Clear();
   const bool rotated = motion.angle != 0.0;
-  if (rotated && !Rotate(layers.second, layers.turned.data(), w2, h2, motion)) return false;
+  if (rotated && !Rotate(layers.second, layers.turned.template As<T>(), w2, h2, motion)) return false;
   if (motion.mirror >= 1 && motion.mirror <= 3) {
     const IppiAxis axis = IppiAxis(motion.mirror - 1);
     // After a rotation the mirror runs on the temporary, by way of a second one.
     if (rotated) {
-      layers.mirrored.resize(layers.turned.size());
-      if (Mirror(layers.turned.data(), layers.mirrored.data(), w2, h2, axis) != ippStsNoErr) return false;
-      layers.turned.swap(layers.mirrored);
-      layers.mirrored = {};
-    } else if (Mirror(layers.second, layers.turned.data(), w2, h2, axis) != ippStsNoErr) {
+      if (!layers.mirrored.Allocate(bytes2)) return false;
+      if (Mirror(layers.turned.template As<T>(), layers.mirrored.template As<T>(), w2, h2, axis) != ippStsNoErr) return false;
+      layers.turned.Swap(layers.mirrored);
+    } else if (Mirror(layers.second, layers.turned.template As<T>(), w2, h2, axis) != ippStsNoErr) {
       return false;
     }
   }
   // Settled behaviour of the format: with a mirror outside 1..3 and no
   // rotation the zeroed temporary stands as the second layer.
-  layers.second = layers.turned.data();
+  layers.second = layers.turned.template As<T>();
   return true;
 }
 

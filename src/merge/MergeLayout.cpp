@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 
 namespace kestrelink::merge {
 
@@ -44,17 +45,24 @@ int RowSegments(const Placement& p, uint32_t y, Segment (&out)[8]) {
   return count;
 }
 
-std::vector<uint64_t> StreamStarts(const Placement& p) {
-  std::vector<uint64_t> starts(size_t(p.height) + 1, 0);
-  for (uint32_t y = 0; y < p.height; ++y) {
-    Segment seg[8];
-    const int n = RowSegments(p, y, seg);
-    uint64_t reads = 0;
-    for (int i = 0; i < n; ++i)
-      if (seg[i].region == Region::kSecond || seg[i].region == Region::kBoth) reads += seg[i].end - seg[i].begin;
-    starts[y + 1] = starts[y] + reads;
+RowPlan PlanRows(const Placement& p) {
+  // Every test of a row against the layers changes only at these rows.
+  int64_t cuts[8] = {0, p.height, p.y1, p.y1 + 1, p.y1 + p.h1, p.y2, p.y2 + 1, p.y2 + p.h2};
+  for (auto& c : cuts) c = std::clamp<int64_t>(c, 0, p.height);
+  std::sort(std::begin(cuts), std::end(cuts));
+  RowPlan plan;
+  uint64_t stream = 0;
+  for (int i = 0; i + 1 < 8; ++i) {
+    if (cuts[i] == cuts[i + 1]) continue;
+    RowBand& b = plan.band[plan.count++];
+    b.begin = uint32_t(cuts[i]), b.end = uint32_t(cuts[i + 1]);
+    b.count = RowSegments(p, b.begin, b.seg);
+    b.stream = stream;
+    for (int s = 0; s < b.count; ++s)
+      if (b.seg[s].region == Region::kSecond || b.seg[s].region == Region::kBoth) b.reads += b.seg[s].end - b.seg[s].begin;
+    stream += b.reads * (b.end - b.begin);
   }
-  return starts;
+  return plan;
 }
 
 }  // namespace kestrelink::merge

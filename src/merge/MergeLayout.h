@@ -2,7 +2,6 @@
 // Where the merger's two layers lie in the output, which layer each pixel
 // belongs to, and where each output row starts reading the second layer.
 #include <cstdint>
-#include <vector>
 
 namespace kestrelink::merge {
 
@@ -33,9 +32,31 @@ struct Segment {
 // Splits output row y into runs of one region, left to right; answers the count (at most 8).
 int RowSegments(const Placement& p, uint32_t y, Segment (&out)[8]);
 
+// Rows whose runs are alike: rows begin .. end - 1 split into the same
+// segments, each reading `reads` samples of the second layer, the first of
+// them starting at `stream`.
+struct RowBand {
+  uint32_t begin = 0, end = 0;
+  int count = 0;
+  Segment seg[8];
+  uint64_t stream = 0, reads = 0;
+};
+
+// The output's rows as at most 8 bands of alike rows (the regions change
+// only at the layers' top and bottom edges), found once a call.
+struct RowPlan {
+  int count = 0;
+  RowBand band[8];
+  const RowBand& BandOf(uint32_t y) const {
+    int i = 0;
+    while (i + 1 < count && y >= band[i].end) ++i;
+    return band[i];
+  }
+};
+
 // Settled behaviour of the format: the second layer is read as one stream
-// that moves on only at pixels that read it. Entry y is the stream position
-// at the start of output row y (height + 1 entries).
-std::vector<uint64_t> StreamStarts(const Placement& p);
+// that moves on only at pixels that read it; the plan's bands carry where
+// each row starts reading it.
+RowPlan PlanRows(const Placement& p);
 
 }  // namespace kestrelink::merge

@@ -3,15 +3,19 @@
 #include <kestrelink/CIppImageMerger.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "frame/RowLoop.h"
 #include "merge/MergeCall.h"
 #include "merge/MergeOverlay.h"
+#include "merge/MergeRows.h"
+#include "merge/OverlayTables.h"
 
 using kestrelink::merge::BeginCall;
 using kestrelink::merge::BlendWeight;
 using kestrelink::merge::MergeCall;
 using kestrelink::merge::OverlayRows;
+using kestrelink::merge::OverlayRuns;
 
 bool CIppImageMerger::MergeMono8ToMono8(uint32_t width1, uint32_t height1, void* image1, float weight, uint32_t width2,
                                         uint32_t height2, void* image2, void* dst, int offsetX, int offsetY,
@@ -26,18 +30,31 @@ bool CIppImageMerger::MergeMono8ToMono8(uint32_t width1, uint32_t height1, void*
   const int64_t w = BlendWeight(weight);
   const kestrelink::merge::MonoNeither<uint8_t> neither{&call.p, call.cleared};
   auto* out = static_cast<uint8_t*>(dst);
-  if (gammaIsIdentity && w >= 0 && w <= 256) {
-    // Weights within 0..1 need no clamp, and the identity gamma no look-up.
-    const uint32_t wa = uint32_t(w), wb = 256 - wa;
-    const auto single = [](uint8_t v) { return v; };
-    OverlayRows(
-        call.p, call.starts, call.layers.first, call.layers.second, out, single, single,
-        [wa, wb](uint8_t a, uint8_t b) { return uint8_t((uint16_t(wb * b) + uint16_t(wa * a)) >> 8); }, neither);
+  if (w >= 0 && w <= 256) {
+    // Weights within 0..1 need no clamp; the identity gamma needs no look-up.
+    const auto& rows = kestrelink::merge::MergeRows();
+    const uint32_t wa = uint32_t(w);
+    if (gammaIsIdentity) {
+      const auto copy = [](const uint8_t* v, uint8_t* o, uint32_t n) { std::memcpy(o, v, n); };
+      OverlayRuns(
+          call.p, call.plan, call.layers.first, call.layers.second, out, copy, copy,
+          [&rows, wa](const uint8_t* a, const uint8_t* b, uint8_t* o, uint32_t n) { rows.blend8(a, b, o, n, wa); },
+          neither);
+      return true;
+    }
+    const kestrelink::merge::GammaBytes gamma8(g);
+    const auto single = [&](const uint8_t* v, uint8_t* o, uint32_t n) { rows.lookup8(v, o, n, gamma8.entry); };
+    OverlayRuns(
+        call.p, call.plan, call.layers.first, call.layers.second, out, single, single,
+        [&](const uint8_t* a, const uint8_t* b, uint8_t* o, uint32_t n) {
+          rows.blendLookup8(a, b, o, n, wa, gamma8.entry);
+        },
+        neither);
     return true;
   }
   const auto single = [g](uint8_t v) { return uint8_t(g[v]); };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, out, single, single,
+      call.p, call.plan, call.layers.first, call.layers.second, out, single, single,
       [g, w](uint8_t a, uint8_t b) { return uint8_t(g[std::clamp<int64_t>(((256 - w) * b + a * w) >> 8, 0, 255)]); },
       neither);
   return true;
@@ -56,14 +73,38 @@ bool CIppImageMerger::MergeMono16ToMono16(uint32_t width1, uint32_t height1, uin
   const uint32_t top = call.top;
   const uint16_t* g = gammaTable.data();
   const int64_t w = BlendWeight(weight);
+  const MonoNeither<uint16_t> neither{&call.p, call.cleared};
+  auto* out = static_cast<uint16_t*>(dst);
+  if (w >= 0 && w <= 256) {
+    // Weights within 0..1 need no clamp; the identity gamma needs no look-up.
+    const auto& rows = MergeRows();
+    const uint32_t wa = uint32_t(w);
+    if (gammaIsIdentity) {
+      const auto hold = [&](const uint16_t* v, uint16_t* o, uint32_t n) { rows.hold16(v, o, n, top); };
+      OverlayRuns(
+          call.p, call.plan, call.layers.first, call.layers.second, out, hold, hold,
+          [&](const uint16_t* a, const uint16_t* b, uint16_t* o, uint32_t n) { rows.blend16(a, b, o, n, wa, top); },
+          neither);
+      return true;
+    }
+    const auto single = [&](const uint16_t* v, uint16_t* o, uint32_t n) { rows.lookup16(v, o, n, g, top); };
+    OverlayRuns(
+        call.p, call.plan, call.layers.first, call.layers.second, out, single, single,
+        [&](const uint16_t* a, const uint16_t* b, uint16_t* o, uint32_t n) {
+          rows.blend16(a, b, o, n, wa, top);
+          rows.lookup16(o, o, n, g, top);
+        },
+        neither);
+    return true;
+  }
   const auto single = [g, top](uint16_t v) { return g[std::min<uint32_t>(v, top)]; };
   OverlayRows(
-      call.p, call.starts, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
+      call.p, call.plan, call.layers.first, call.layers.second, static_cast<uint16_t*>(dst), single, single,
       [g, w, top](uint16_t a, uint16_t b) {
         const int64_t sa = std::min<uint32_t>(a, top), sb = std::min<uint32_t>(b, top);
         return g[std::clamp<int64_t>(((256 - w) * sb + sa * w) >> 8, 0, top)];
       },
-      MonoNeither<uint16_t>{&call.p, call.cleared});
+      neither);
   return true;
 }
 

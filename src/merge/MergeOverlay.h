@@ -1,9 +1,11 @@
 #pragma once
 // The merger's overlay loop, in parallel over output rows: each row is cut
-// into runs of one region, and each run calls the member's rule for it.
-// The rules are small inline functors, so each run is a plain loop.
+// into runs of one region, and each run calls the member's rule for it,
+// either a row kernel or a small inline functor a pixel, so that each run
+// is a plain loop.
+#include <algorithm>
 #include <cstdint>
-#include <vector>
+#include <cstring>
 
 #include "frame/RowLoop.h"
 #include "merge/MergeLayout.h"
@@ -15,46 +17,62 @@ struct Bgr {
 };
 static_assert(sizeof(Bgr) == 3);
 
-// firstOnly(a), secondOnly(b), both(a, b) give an output pixel;
+// The overlay by runs: firstRun(a, out, n) and secondRun(b, out, n) write
+// n output pixels of one layer, bothRun(a, b, out, n) of both;
 // neither(row, x, n, firstRow) fills a run that no layer claims (firstRow is
 // the first frame's row at this output row, or null).
-template <class In, class Out, class FirstOnly, class SecondOnly, class Both, class Neither>
-void OverlayRows(const Placement& p, const std::vector<uint64_t>& starts, const In* first, const In* second, Out* dst,
-                 FirstOnly firstOnly, SecondOnly secondOnly, Both both, Neither neither) {
+template <class In, class Out, class FirstRun, class SecondRun, class BothRun, class Neither>
+void OverlayRuns(const Placement& p, const RowPlan& plan, const In* first, const In* second, Out* dst,
+                 FirstRun firstRun, SecondRun secondRun, BothRun bothRun, Neither neither) {
   ForEachRow(p.height, false, [&](uint32_t y, uint32_t) {
-    // Copies the loops own: writes through a byte pointer could alias the captured originals.
-    const FirstOnly ruleFirst = firstOnly;
-    const SecondOnly ruleSecond = secondOnly;
-    const Both ruleBoth = both;
+    const RowBand& band = plan.BandOf(y);
     Out* row = dst + size_t(y) * p.width;
     const In* firstRow = y >= p.y1 && y < p.y1 + p.h1 ? first + size_t(y - p.y1) * p.w1 : nullptr;
-    Segment seg[8];
-    const int count = RowSegments(p, y, seg);
-    const In* stream = second + starts[y];
-    for (int s = 0; s < count; ++s) {
-      const uint32_t x = seg[s].begin, n = seg[s].end - seg[s].begin;
-      Out* out = row + x;
-      switch (seg[s].region) {
-        case Region::kFirst: {
-          const In* a = firstRow + (x - p.x1);
-          for (uint32_t i = 0; i < n; ++i) out[i] = ruleFirst(a[i]);
+    const In* stream = second + band.stream + (y - band.begin) * band.reads;
+    for (int s = 0; s < band.count; ++s) {
+      const Segment& seg = band.seg[s];
+      const uint32_t x = seg.begin, n = seg.end - seg.begin;
+      switch (seg.region) {
+        case Region::kFirst:
+          firstRun(firstRow + (x - p.x1), row + x, n);
           break;
-        }
         case Region::kSecond:
-          for (uint32_t i = 0; i < n; ++i) out[i] = ruleSecond(stream[i]);
+          secondRun(stream, row + x, n);
           stream += n;
           break;
-        case Region::kBoth: {
-          const In* a = firstRow + (x - p.x1);
-          for (uint32_t i = 0; i < n; ++i) out[i] = ruleBoth(a[i], stream[i]);
+        case Region::kBoth:
+          bothRun(firstRow + (x - p.x1), stream, row + x, n);
           stream += n;
           break;
-        }
         default:
           neither(row, x, n, firstRow);
       }
     }
   });
+}
+
+// The overlay by pixels: firstOnly(a), secondOnly(b), both(a, b) give an
+// output pixel.
+template <class In, class Out, class FirstOnly, class SecondOnly, class Both, class Neither>
+void OverlayRows(const Placement& p, const RowPlan& plan, const In* first, const In* second, Out* dst,
+                 FirstOnly firstOnly, SecondOnly secondOnly, Both both, Neither neither) {
+  // The loops own copies of the rules: writes through a byte pointer could
+  // alias the captured originals.
+  OverlayRuns(
+      p, plan, first, second, dst,
+      [firstOnly](const In* a, Out* out, uint32_t n) {
+        const FirstOnly rule = firstOnly;
+        for (uint32_t i = 0; i < n; ++i) out[i] = rule(a[i]);
+      },
+      [secondOnly](const In* b, Out* out, uint32_t n) {
+        const SecondOnly rule = secondOnly;
+        for (uint32_t i = 0; i < n; ++i) out[i] = rule(b[i]);
+      },
+      [both](const In* a, const In* b, Out* out, uint32_t n) {
+        const Both rule = both;
+        for (uint32_t i = 0; i < n; ++i) out[i] = rule(a[i], b[i]);
+      },
+      neither);
 }
 
 // The "neither" rule of the mono forms: the first frame's raw samples where
@@ -65,12 +83,14 @@ struct MonoNeither {
   const Placement* p;
   bool cleared;
   void operator()(T* row, uint32_t x, uint32_t n, const T* firstRow) const {
-    for (uint32_t i = x; i < x + n; ++i) {
-      if (firstRow && i >= p->x1 && i < p->x1 + p->w1)
-        row[i] = firstRow[i - p->x1];
-      else if (cleared)
-        row[i] = 0;
-    }
+    // The part within the first frame's columns, and what lies either side.
+    const int64_t end = int64_t(x) + n;
+    const int64_t from = firstRow ? std::clamp<int64_t>(p->x1, x, end) : end;
+    const int64_t to = firstRow ? std::clamp<int64_t>(p->x1 + p->w1, from, end) : end;
+    if (to > from) std::memcpy(row + from, firstRow + (from - p->x1), size_t(to - from) * sizeof(T));
+    if (!cleared) return;
+    if (from > x) std::memset(row + x, 0, size_t(from - x) * sizeof(T));
+    if (end > to) std::memset(row + to, 0, size_t(end - to) * sizeof(T));
   }
 };
 

@@ -350,13 +350,105 @@ void Threshold(const T* src, T* dst, uint32_t n, T threshold, T full) {
   for (size_t i = 0; i < n; ++i) dst[i] = src[i] < threshold ? T(0) : full;
 }
 
+#if ANALYSIS_VECTOR_BYTES == 64
+// 16-bit grey of four-sample pixels in 16-bit lanes, 32 pixels a step: the
+// word permutes part the samples into planes, and each weight's 32-bit
+// (x * mul + add) >> shift is formed from the high and low halves of the
+// product, with the offset's carry, while mul fits 16 bits. Each term is a
+// table entry below 2^16, so the shifted halves meet without loss.
+struct Weigh16Lanes {
+  __m512i clamp, mul, addLow, addHigh;
+  __m128i highShift, lowShift, upShift;
+  explicit Weigh16Lanes(const GreyWeight& w)
+      : clamp(_mm512_set1_epi16(int16_t(std::min<uint32_t>(w.clampAt, 0xFFFF)))),
+        mul(_mm512_set1_epi16(int16_t(w.mul))),
+        addLow(_mm512_set1_epi16(int16_t(w.add & 0xFFFF))),
+        addHigh(_mm512_set1_epi16(int16_t(w.add >> 16))),
+        highShift(_mm_cvtsi32_si128(int(w.shift > 16 ? w.shift - 16 : 0))),
+        lowShift(_mm_cvtsi32_si128(int(w.shift < 16 ? w.shift : 16))),
+        upShift(_mm_cvtsi32_si128(int(w.shift < 16 ? 16 - w.shift : 0))) {}
+  // kHigh: the shift is 16 or more, so the term is the high half shifted
+  // and the low half only carries.
+  template <bool kHigh>
+  __m512i Weigh(__m512i x) const {
+    x = _mm512_min_epu16(x, clamp);
+    const __m512i low = _mm512_add_epi16(_mm512_mullo_epi16(x, mul), addLow);
+    const __mmask32 carry = _mm512_cmplt_epu16_mask(low, addLow);
+    __m512i high = _mm512_add_epi16(_mm512_mulhi_epu16(x, mul), addHigh);
+    high = _mm512_mask_sub_epi16(high, carry, high, _mm512_set1_epi16(-1));
+    if constexpr (kHigh) return _mm512_srl_epi16(high, highShift);
+    return _mm512_or_si512(_mm512_sll_epi16(high, upShift), _mm512_srl_epi16(low, lowShift));
+  }
+};
+
+// Whether the 16-bit lanes reproduce the weight: a multiplier of 16 bits,
+// and every sum x * mul + add inside 32 bits (the fit checks the latter).
+inline bool FitsWeigh16(const GreyWeight& w) { return w.mul < 65536 && w.shift < 32; }
+
+// The loop for one choice of term form per weight (kHigh0..2); answers how
+// many pixels it did (whole steps of 32).
+template <bool kHigh0, bool kHigh1, bool kHigh2>
+uint32_t WeighGrey16Steps(const uint16_t* src, uint16_t* dst, uint32_t n, const GreyWeights& w) {
+  const Weigh16Lanes w0(w.first), w1(w.second), w2(w.third);
+  // Words 4p + s of two registers (16 pixels): sample 0 of the 16 pixels in
+  // the low half and sample 1 in the high half; and sample 2 in the low half.
+  alignas(64) int16_t firstSecond[32], third[32], lows[32], highs[32];
+  for (int p = 0; p < 16; ++p) {
+    firstSecond[p] = int16_t(4 * p), firstSecond[16 + p] = int16_t(4 * p + 1), third[p] = int16_t(4 * p + 2);
+    third[16 + p] = int16_t(4 * p + 2);
+    lows[p] = int16_t(p), lows[16 + p] = int16_t(32 + p);
+    highs[p] = int16_t(16 + p), highs[16 + p] = int16_t(48 + p);
+  }
+  const __m512i pickFirstSecond = _mm512_load_si512(firstSecond), pickThird = _mm512_load_si512(third);
+  const __m512i pickLows = _mm512_load_si512(lows), pickHighs = _mm512_load_si512(highs);
+  const __m512i top = _mm512_set1_epi16(255);
+  uint32_t i = 0;
+  for (; i + 32 <= n; i += 32) {
+    const uint16_t* p = src + 4 * size_t(i);
+    const __m512i v0 = _mm512_loadu_si512(p), v1 = _mm512_loadu_si512(p + 32);
+    const __m512i v2 = _mm512_loadu_si512(p + 64), v3 = _mm512_loadu_si512(p + 96);
+    const __m512i a01 = _mm512_permutex2var_epi16(v0, pickFirstSecond, v1);
+    const __m512i b01 = _mm512_permutex2var_epi16(v2, pickFirstSecond, v3);
+    const __m512i a2 = _mm512_permutex2var_epi16(v0, pickThird, v1);
+    const __m512i b2 = _mm512_permutex2var_epi16(v2, pickThird, v3);
+    const __m512i x0 = _mm512_permutex2var_epi16(a01, pickLows, b01);
+    const __m512i x1 = _mm512_permutex2var_epi16(a01, pickHighs, b01);
+    const __m512i x2 = _mm512_permutex2var_epi16(a2, pickLows, b2);
+    // Saturating sums keep every total of 255 or more at 255 or more.
+    const __m512i sum = _mm512_adds_epu16(
+        _mm512_adds_epu16(w0.template Weigh<kHigh0>(x0), w1.template Weigh<kHigh1>(x1)), w2.template Weigh<kHigh2>(x2));
+    _mm512_storeu_si512(dst + i, _mm512_min_epu16(sum, top));
+  }
+  return i;
+}
+
+void WeighGrey16C4(const uint16_t* src, uint16_t* dst, uint32_t n, const GreyWeights& w) {
+  uint32_t i = 0;
+  if (FitsWeigh16(w.first) && FitsWeigh16(w.second) && FitsWeigh16(w.third)) {
+    using Steps = uint32_t (*)(const uint16_t*, uint16_t*, uint32_t, const GreyWeights&);
+    static constexpr Steps kSteps[8] = {
+        WeighGrey16Steps<false, false, false>, WeighGrey16Steps<false, false, true>,
+        WeighGrey16Steps<false, true, false>,  WeighGrey16Steps<false, true, true>,
+        WeighGrey16Steps<true, false, false>,  WeighGrey16Steps<true, false, true>,
+        WeighGrey16Steps<true, true, false>,   WeighGrey16Steps<true, true, true>};
+    const int form = (w.first.shift >= 16) << 2 | (w.second.shift >= 16) << 1 | (w.third.shift >= 16);
+    i = kSteps[form](src, dst, n, w);
+  }
+  WeighGrey<uint16_t, 4>(src + 4 * size_t(i), dst + i, n - i, w);
+}
+#else
+void WeighGrey16C4(const uint16_t* src, uint16_t* dst, uint32_t n, const GreyWeights& w) {
+  WeighGrey<uint16_t, 4>(src, dst, n, w);
+}
+#endif
+
 constexpr AnalysisRowKernels kBodyKernels = {
     .rgbToGray8 = RgbToGray8,
     .rgbToGray16 = RgbToGray16,
     .weighGrey8C3 = WeighGrey8<3>,
     .weighGrey8C4 = WeighGrey8<4>,
     .weighGrey16C3 = WeighGrey<uint16_t, 3>,
-    .weighGrey16C4 = WeighGrey<uint16_t, 4>,
+    .weighGrey16C4 = WeighGrey16C4,
     .countInRange8 = CountInRange8,
     .sum8 = Sum8,
     .sum16 = Sum16,

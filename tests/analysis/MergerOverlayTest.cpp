@@ -6,9 +6,11 @@
 #include <kestrelink/CIppImageMerger.h>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "analysis/MergerReference.h"
+#include "merge/MergeLayers.h"
 #include "support/TestSupport.h"
 
 namespace {
@@ -299,6 +301,125 @@ TEST(MergerOverlay, CopiesKeepTheirOwnTablesAndTeamsAgree) {
   EXPECT_EQ(one, two);
   EXPECT_EQ(copy.pseudoRed[1], 0);  // swapped in the copy
   EXPECT_EQ(m.pseudoRed[1], 255);
+}
+
+}  // namespace
+
+namespace {
+
+// The background difference |a - b| by sample, over bands of rows; 16-bit
+// differences are held at the depth's largest value.
+TEST(MergerOverlay, BackgroundDifferenceAndDepthClamp) {
+  using kestrelink::merge::AbsDiffFrame;
+  const Words image = {5000, 0, 4095, 10, 65535, 7}, background = {0, 5000, 0, 20, 0, 7};
+  Words out(6, 0xAAAA);
+  AbsDiffFrame<uint16_t>(3, 2, 4095, image.data(), background.data(), out.data());
+  EXPECT_EQ(out, (Words{4095, 4095, 4095, 10, 4095, 0}));
+  AbsDiffFrame<uint16_t>(3, 2, 65535, image.data(), background.data(), out.data());
+  EXPECT_EQ(out, (Words{5000, 5000, 4095, 10, 65535, 0}));
+  const Bytes bytes = {0, 255, 10, 200, 3, 9}, back = {255, 0, 20, 100, 3, 1};
+  Bytes diff(6, kStale);
+  testsupport::ScopedTeam team(2);
+  AbsDiffFrame<uint8_t>(2, 3, 255, bytes.data(), back.data(), diff.data());
+  EXPECT_EQ(diff, (Bytes{255, 255, 10, 100, 0, 8}));
+}
+
+}  // namespace
+
+namespace {
+
+// run() under each variant gives what it gives under the portable one.
+template <class Run>
+void ExpectVariantsAgree(Run run, const std::string& what) {
+  decltype(run()) want;
+  {
+    testsupport::ScopedVariant portable(kestrelink::kVariantPortable);
+    want = run();
+  }
+  for (const auto v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(v);
+    EXPECT_EQ(run(), want) << what << " " << kestrelink::VariantName(v);
+  }
+}
+
+// The 8-bit members on rows long enough for the vector kernels and their
+// tails give every variant's bytes the same as the portable one's.
+TEST(MergerOverlay, EightBitMembersAgreeAcrossVariants) {
+  const Placing wide[] = {{150, 9, 140, 7, 5, 1}, {130, 6, 130, 6, -3, 2}, {200, 4, 67, 5, 70, 0}};
+  for (const Placing& c : wide) {
+    SCOPED_TRACE(testing::Message() << c.w1 << "x" << c.h1 << " + " << c.w2 << "x" << c.h2);
+    Bytes a = testsupport::RandomBytes(size_t(c.w1) * c.h1, 31), b = testsupport::RandomBytes(size_t(c.w2) * c.h2, 32);
+    for (size_t i = 0; i < b.size(); i += 9) b[i] = 0;
+    const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+    const size_t mono = size_t(l.width) * l.height;
+    auto run = [&](int call) {
+      CIppImageMerger m;
+      m.RebuildSlopeLUT(-4, 0.9f, 0);
+      Bytes out(call < 4 ? mono : 3 * mono, kStale);
+      uint8_t *pa = a.data(), *pb = b.data(), *o = out.data();
+      const int x = c.offsetX, y = c.offsetY;
+      switch (call) {
+        case 0: m.SubMono8ToMono8(c.w1, c.h1, pa, nullptr, c.w2, c.h2, pb, nullptr, o, x, y, 0, 0, 2.2, 0, 0, 0, false); break;
+        case 1: m.MergeMono8ToMono8(c.w1, c.h1, pa, 0.3f, c.w2, c.h2, pb, o, x, y, 0, 0, 1.0, 0, 0, 0, false); break;
+        case 2: m.MergeMono8ToMono8(c.w1, c.h1, pa, 0.7f, c.w2, c.h2, pb, o, x, y, 0, 0, 2.2, 0, 0, 0, false); break;
+        case 3: m.MergeMono8ToMono8(c.w1, c.h1, pa, 1.7f, c.w2, c.h2, pb, o, x, y, 0, 0, 0.5, 0, 0, 0, false); break;
+        case 4:
+          m.SubMono8ToBGRByPseudoColor(c.w1, c.h1, pa, nullptr, c.w2, c.h2, pb, nullptr, o, x, y, 0, 0, 1.8, 0, 0, 0,
+                                       false);
+          break;
+        case 5:
+          m.SubMono8ToBGRByHSL(c.w1, c.h1, pa, nullptr, 20, c.w2, c.h2, pb, nullptr, 150, o, x, y, 0, 0, 1.3, 0, 0, 0,
+                               false);
+          break;
+        default:
+          m.MergeMono8ToBGRByHSL(c.w1, c.h1, 0.4f, pa, 60, c.w2, c.h2, pb, 200, o, x, y, 0, 0, 0.8, 0, 0, 0, false);
+      }
+      return out;
+    };
+    for (int call = 0; call < 7; ++call) ExpectVariantsAgree([&] { return run(call); }, "member " + std::to_string(call));
+  }
+}
+
+// The 16-bit blend (12-bit samples, some beyond the depth) under each
+// variant: the identity gamma, gamma 2.2 and a weight outside 0..1.
+TEST(MergerOverlay, SixteenBitBlendAgreesAcrossVariants) {
+  const Placing c{150, 5, 140, 6, 5, 1};
+  const Words a = Random16(size_t(c.w1) * c.h1, 5000, 41), b = Random16(size_t(c.w2) * c.h2, 4096, 42);
+  const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+  for (const double gamma : {1.0, 2.2}) {
+    for (const float weight : {0.25f, 1.5f}) {
+      auto run = [&] {
+        CIppImageMerger m;
+        Words out(size_t(l.width) * l.height, 0xABCD);
+        m.MergeMono16ToMono16(c.w1, c.h1, 12, const_cast<uint16_t*>(a.data()), weight, c.w2, c.h2,
+                              const_cast<uint16_t*>(b.data()), out.data(), c.offsetX, c.offsetY, 0, 0, gamma, 0, 0, 0,
+                              false);
+        return out;
+      };
+      ExpectVariantsAgree(run, "gamma " + std::to_string(gamma) + " weight " + std::to_string(weight));
+    }
+  }
+}
+
+// The 16-bit ratio to pseudo-colour (12-bit samples, some beyond the depth,
+// b 0 here and there) under each variant.
+TEST(MergerOverlay, SixteenBitPseudoColourAgreesAcrossVariants) {
+  const Placing c{150, 5, 140, 6, 5, 1};
+  const Words a = Random16(size_t(c.w1) * c.h1, 5000, 43);
+  Words b = Random16(size_t(c.w2) * c.h2, 4600, 44);
+  for (size_t i = 0; i < b.size(); i += 7) b[i] = 0;
+  const auto l = mergerref::Place(c.w1, c.h1, c.w2, c.h2, c.offsetX, c.offsetY);
+  for (const double gamma : {1.0, 2.2}) {
+    auto run = [&] {
+      CIppImageMerger m;
+      m.RebuildSlopeLUT(5, 1.2f, 1);
+      Bytes out(3 * size_t(l.width) * l.height, kStale);
+      m.SubMono16ToBGRByPseudoColor(c.w1, c.h1, 12, const_cast<uint16_t*>(a.data()), nullptr, c.w2, c.h2,
+                                    b.data(), nullptr, out.data(), c.offsetX, c.offsetY, 0, 0, gamma, 0, 0, 0, false);
+      return out;
+    };
+    ExpectVariantsAgree(run, "gamma " + std::to_string(gamma));
+  }
 }
 
 }  // namespace

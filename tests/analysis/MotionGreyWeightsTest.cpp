@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "analysis/GreyFit.h"
+#include "primitives/AnalysisRows.h"
 #include "support/TestSupport.h"
 
 namespace {
@@ -168,6 +169,45 @@ TEST(MotionGreyWeights, NullFramesAreRefused) {
   EXPECT_FALSE(motion.BGRx8GrayConvert(1, 1, px, nullptr));
   EXPECT_FALSE(motion.BGR16GrayConvert(1, 1, nullptr, px16));
   EXPECT_FALSE(motion.BGRx16GrayConvert(1, 1, px16, nullptr));
+}
+
+// The 16-bit four-sample row under weights of every form the vector lanes
+// take (shifts below, at and above 16; offsets that carry into the high
+// half; a clamp point), against (min(x, clampAt) mul + add) >> shift summed
+// and held at 255, at every variant.
+TEST(MotionGreyWeights, SixteenBitRowTakesEveryWeightForm) {
+  using kestrelink::analysis::GreyWeight;
+  using kestrelink::analysis::GreyWeights;
+  const GreyWeight forms[] = {
+      {601, 529, 10, 436},          // shift below 16
+      {19595, 32900, 16, 855},      // shift 16
+      {59769, 262102, 19, 2242},    // above 16, the offset past 16 bits
+      {40000, 65535, 17, 0xFFFF},   // no clamp, carries from the low half
+      {3, 0, 2, 1000},              // small
+  };
+  const uint32_t n = 100;
+  std::vector<uint16_t> src(4 * n);
+  const std::vector<uint8_t> r = testsupport::RandomBytes(8 * n, 77);
+  for (uint32_t i = 0; i < 4 * n; ++i) src[i] = uint16_t(r[2 * i] << 8 | r[2 * i + 1]) >> (i % 3 == 0 ? 4 : 0);
+  for (const auto v : testsupport::RunnableVariants()) {
+    testsupport::ScopedVariant scoped(v);
+    const auto row = kestrelink::analysis::AnalysisRows().weighGrey16C4;
+    for (const GreyWeight& f0 : forms)
+      for (const GreyWeight& f1 : forms)
+        for (const GreyWeight& f2 : forms) {
+          const GreyWeights w{f0, f1, f2};
+          std::vector<uint16_t> out(n + 1, 0xBEEF);
+          row(src.data(), out.data(), n, w);
+          for (uint32_t i = 0; i < n; ++i) {
+            const auto term = [&](const GreyWeight& g, uint64_t x) {
+              return (std::min<uint64_t>(x, g.clampAt) * g.mul + g.add) >> g.shift;
+            };
+            const uint64_t sum = term(f0, src[4 * i]) + term(f1, src[4 * i + 1]) + term(f2, src[4 * i + 2]);
+            ASSERT_EQ(out[i], std::min<uint64_t>(sum, 255)) << kestrelink::VariantName(v) << " pixel " << i;
+          }
+          EXPECT_EQ(out[n], 0xBEEF);
+        }
+  }
 }
 
 }  // namespace

@@ -15,7 +15,10 @@
 
 #include "h264/Nv12Rows.h"
 
+// Compiled into the SSE2, AVX2 and AVX-512 files alike, each with its own
+// instruction set, so everything here has internal linkage.
 namespace kestrelink::h264::nv12body {
+namespace {
 
 template <class V, bool Streaming>
 inline void Put(uint8_t* p, typename V::Reg r) {
@@ -106,4 +109,5 @@ constexpr Nv12RowKernels Kernels() {
           FillRow<V, false>, FillRow<V, true>};
 }
 
+}  // namespace
 }  // namespace kestrelink::h264::nv12body

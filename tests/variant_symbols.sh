@@ -18,6 +18,8 @@ for object in "$@"; do
   esac
   while read -r kind symbol; do
     case "$kind" in W|V) ;; *) continue ;; esac
+    # The compiler's own reference to the exception personality is alike everywhere.
+    case "$symbol" in DW.ref.*) continue ;; esac
     previous="${seen[$symbol]:-}"
     if [[ -z "$previous" ]]; then
       seen[$symbol]=$group

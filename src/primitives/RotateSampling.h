@@ -22,6 +22,10 @@ struct Source {
   }
 };
 
+// The helpers below are compiled into the portable and the vector files
+// alike, each with its own instruction set, so they have internal linkage.
+namespace {
+
 inline int Clamp(int v, int lo, int hi) { return std::min(std::max(v, lo), hi); }
 
 // floor() for source coordinates, which stay far inside the int range (the
@@ -217,4 +221,5 @@ void RotateRow(const Warp& w, int Y, int dx0, int dx1, T* row) {
     RotatePixel<T, C, W, K, Smooth, false>(s, w, w.ux * X + uRow, w.vx * X + vRow, row + ptrdiff_t(X - dx0) * C);
 }
 
+}  // namespace
 }  // namespace kestrelink::rotate

@@ -35,6 +35,8 @@ struct RegionColour {
 };
 
 // The first layer's, the second layer's and the overlap's colours.
+// (Named members rather than a structured binding, since the row lambdas
+// capture them.)
 struct HslRegions {
   RegionColour one, two, both;
 };
@@ -70,7 +72,8 @@ bool CIppImageMerger::SubMono8ToBGRByHSL(uint32_t width1, uint32_t height1, void
                  {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   PrepareHslTables(hue1, hue2);
-  const auto [one, two, both] = RegionsOf(*this, 8);
+  const HslRegions regions = RegionsOf(*this, 8);
+  const RegionColour &one = regions.one, &two = regions.two, &both = regions.both;
   // The overlap by ratio(a, b): through slope, or for b 0 by a itself.
   const ColourTable firstColours = TableOf(one, [](int v) { return v; });
   const ColourTable secondColours = TableOf(two, [](int v) { return v; });
@@ -101,7 +104,8 @@ bool CIppImageMerger::SubMono16ToBGRByHSL(uint32_t width1, uint32_t height1, uin
     return false;
   const uint32_t top = call.top;
   PrepareHslTables(hue1, hue2);
-  const auto [one, two, both] = RegionsOf(*this, bitDepth);
+  const HslRegions regions = RegionsOf(*this, bitDepth);
+  const RegionColour &one = regions.one, &two = regions.two, &both = regions.both;
   const auto light = [top, bitDepth](uint16_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(
       call.p, call.plan, call.layers.first, call.layers.second, static_cast<Bgr*>(dst),
@@ -124,7 +128,8 @@ bool CIppImageMerger::MergeMono8ToBGRByHSL(uint32_t width1, uint32_t height1, fl
                  {centerX, centerY, angle, mirror, interpolation, bSmoothEdge}))
     return false;
   PrepareHslTables(hue1, hue2);
-  const auto [one, two, both] = RegionsOf(*this, 8);
+  const HslRegions regions = RegionsOf(*this, 8);
+  const RegionColour &one = regions.one, &two = regions.two, &both = regions.both;
   const int64_t w = BlendWeight(weight);
   if (w >= 0 && w <= 256) {
     // Weights within 0..1 need no clamp: the blend, then the overlap's colours.
@@ -169,7 +174,8 @@ bool CIppImageMerger::MergeMono16ToBGRByHSL(uint32_t width1, uint32_t height1, u
     return false;
   const uint32_t top = call.top;
   PrepareHslTables(hue1, hue2);
-  const auto [one, two, both] = RegionsOf(*this, bitDepth);
+  const HslRegions regions = RegionsOf(*this, bitDepth);
+  const RegionColour &one = regions.one, &two = regions.two, &both = regions.both;
   const int64_t w = BlendWeight(weight);
   const auto light = [top, bitDepth](uint32_t v) { return ToByte(std::min<uint32_t>(v, top), bitDepth); };
   OverlayRows(

@@ -4,8 +4,9 @@
 // above 32767 is split into a word weight and a multiple of 65536 that the
 // pair's high word already holds, so each 32-bit sum, and with it every
 // byte, is the portable one's. Included by the AVX2 and AVX-512 units
-// inside their own namespaces after JpegKernelBody.h; the pixels a group
-// of 32 (or 16) does not fill go through the portable loop.
+// inside their own namespaces after JpegKernelBody.h and JpegBlocksAvx2.h;
+// the pixels a group of 32 (or 16) does not fill go through the portable
+// loop.
 // (no include guard: included once per unit)
 
 namespace colour {
@@ -30,9 +31,8 @@ inline V PairShuffle(int bytes, int base1, int first, int second) {
                             PairMask(bytes, base1, first, second), PairMask(bytes, base1 + 2 * bytes, first, second));
 }
 
-inline V Weights(int16_t low, int16_t high) {
-  return _mm256_set1_epi32(int32_t(uint32_t(uint16_t(low)) | (uint32_t(uint16_t(high)) << 16)));
-}
+// A word pair of weights, low | high << 16, as the block transforms build it.
+using blocks::Weights;
 
 // Eight pixels' Y, Cb, Cr sums, shifted to 0 .. 255 in 32-bit lanes; `rg`
 // holds r | g << 16 of each pixel, `gb` g | b << 16.

@@ -269,6 +269,13 @@ int ReadFrame(IjlProperties& p, IjlMode mode, std::vector<uint8_t>& row) {
   return kIjlOk;
 }
 
+// The row a frame is converted through: one a thread, grown as needed and
+// kept, so a frame allocates nothing of its own beside the general library.
+std::vector<uint8_t>& RowBuffer() {
+  thread_local std::vector<uint8_t> row;
+  return row;
+}
+
 }  // namespace
 
 int IjlWrite(IjlProperties& properties, IjlMode mode) {
@@ -277,7 +284,8 @@ int IjlWrite(IjlProperties& properties, IjlMode mode) {
       properties.dibHeight > 65500)
     return kIjlBadParameter;
   if (mode == kIjlWriteBuffer && properties.jpgBytes == nullptr) return kIjlBadParameter;
-  std::vector<uint8_t> row(size_t(properties.dibWidth) * 4);
+  std::vector<uint8_t>& row = RowBuffer();
+  if (row.size() < size_t(properties.dibWidth) * 4) row.resize(size_t(properties.dibWidth) * 4);
   return WriteFrame(properties, mode, row);
 }
 
@@ -285,8 +293,7 @@ int IjlRead(IjlProperties& properties, IjlMode mode) {
   if ((mode != kIjlReadParamsBuffer && mode != kIjlReadImageBuffer) || properties.jpgBytes == nullptr ||
       properties.jpgSizeBytes == 0)
     return kIjlBadParameter;
-  std::vector<uint8_t> row;
-  return ReadFrame(properties, mode, row);
+  return ReadFrame(properties, mode, RowBuffer());
 }
 
 }  // namespace kestrelink::jpegfront
